@@ -1,0 +1,93 @@
+// Connection: an open session with one database, with the semantics of the
+// classic data-access connection. The connection string picks the driver:
+//
+//   Provider=MSDataShape.1;...;Data Source=X;Data Provider=MSDASQL
+//       the shaping layer over data source X. When X names a SQLite file
+//       (it contains a path separator or ends in .db, .sqlite or .sqlite3)
+//       the built-in SQLite driver opens it; any other X is an ODBC data
+//       source name.
+//   Provider=SQLite;Data Source=path[;Mode=ReadOnly|ReadWrite|ReadWriteCreate]
+//       the built-in SQLite driver directly.
+//   Driver={...};...   an ODBC connection string, passed as it stands.
+//
+// A missing SQLite file is an error unless the string asks for creation
+// (Mode=ReadWriteCreate). The shaping layer sits on every connection: a
+// SHAPE statement is run by it over whichever driver is underneath; any
+// other statement goes to the driver unchanged.
+//
+// Connections are shared by reference (std::shared_ptr); one thread uses a
+// connection at a time. Closing a connection leaves the recordsets already
+// read from it readable (their rows are in memory) but not updatable.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "kelvary/platform/DataAccessTypes.h"
+#include "kelvary/platform/Error.h"
+#include "kelvary/platform/Variant.h"
+
+namespace kelvary {
+
+class Recordset;
+class DriverConnection;
+
+class Connection : public Object, public std::enable_shared_from_this<Connection> {
+ public:
+  Connection();
+  ~Connection() override;  // closes an open connection; never throws
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // CursorLocation: recorded and read back; every recordset of this
+  // library is a client-side cursor whatever is set.
+  CursorLocationEnum CursorLocation() const { return cursor_location_; }
+  void CursorLocation(CursorLocationEnum location) { cursor_location_ = location; }
+
+  // Open connects with a connection string (see above). user_id and password,
+  // when not empty, are passed to drivers that take them. Throws Error when
+  // no driver fits the string or the database cannot be opened.
+  // REQUIRES: State() == adStateClosed.
+  void Open(const std::string& connection_string, const std::string& user_id = "",
+            const std::string& password = "", int32_t options = adCmdUnspecified);
+  void Close();
+  ObjectStateEnum State() const;
+  const std::string& ConnectionString() const { return connection_string_; }
+
+  // Execute runs one statement. For a statement that returns rows the result
+  // is an open, read-only recordset; otherwise a closed one. records_affected
+  // receives the number of rows changed (-1 for a SELECT).
+  std::shared_ptr<Recordset> Execute(const std::string& command_text, int32_t& records_affected,
+                                     int32_t options = adCmdUnspecified);
+  std::shared_ptr<Recordset> Execute(const std::string& command_text,
+                                     int32_t options = adCmdUnspecified);
+
+  // Transactions; nesting is not supported (BeginTrans returns level 1).
+  int32_t BeginTrans();
+  void CommitTrans();
+  void RollbackTrans();
+
+  // Errors: the errors of the last operation that failed on this connection
+  // (cleared when an operation starts).
+  const std::vector<Error>& Errors() const { return errors_; }
+
+  // Seconds to wait on a busy database (another connection or process
+  // writing) before an operation fails.
+  int32_t CommandTimeout() const { return command_timeout_; }
+  void CommandTimeout(int32_t seconds) { command_timeout_ = seconds; }
+
+  // Driver: the driver under this connection, for the cursor engine and the
+  // shaping layer. REQUIRES: State() == adStateOpen (otherwise Error 3704).
+  DriverConnection& Driver();
+
+ private:
+  CursorLocationEnum cursor_location_ = adUseServer;
+  std::string connection_string_;
+  int32_t command_timeout_ = 30;
+  std::vector<Error> errors_;
+  std::unique_ptr<DriverConnection> driver_;
+};
+
+}  // namespace kelvary

@@ -1,0 +1,117 @@
+// The numeric constants of the classic data-access library that the system
+// passes around: cursor locations and types, lock types, object states, edit
+// modes, search directions, field data types and field status codes. Their
+// values are stored by hosts and written into code, so they are exact.
+#pragma once
+
+#include <cstdint>
+
+namespace kelvary {
+
+enum CursorLocationEnum : int32_t {
+  adUseNone = 1,
+  adUseServer = 2,
+  adUseClient = 3,
+};
+
+enum CursorTypeEnum : int32_t {
+  adOpenUnspecified = -1,
+  adOpenForwardOnly = 0,
+  adOpenKeyset = 1,
+  adOpenDynamic = 2,
+  adOpenStatic = 3,
+};
+
+enum LockTypeEnum : int32_t {
+  adLockUnspecified = -1,
+  adLockReadOnly = 1,
+  adLockPessimistic = 2,
+  adLockOptimistic = 3,
+  adLockBatchOptimistic = 4,
+};
+
+enum ObjectStateEnum : int32_t {
+  adStateClosed = 0,
+  adStateOpen = 1,
+};
+
+enum EditModeEnum : int32_t {
+  adEditNone = 0,
+  adEditInProgress = 1,
+  adEditAdd = 2,
+  adEditDelete = 4,
+};
+
+enum SearchDirectionEnum : int32_t {
+  adSearchBackward = -1,
+  adSearchForward = 1,
+};
+
+// Where Find starts: these three values, or a bookmark.
+enum BookmarkEnum : int32_t {
+  adBookmarkCurrent = 0,
+  adBookmarkFirst = 1,
+  adBookmarkLast = 2,
+};
+
+// Options of Open and Execute.
+enum CommandOptionsEnum : int32_t {
+  adCmdUnspecified = -1,
+  adCmdText = 1,
+  adExecuteNoRecords = 128,
+};
+
+// Field types: the classic data-type codes.
+enum DataTypeEnum : int32_t {
+  adEmpty = 0,
+  adSmallInt = 2,
+  adInteger = 3,
+  adSingle = 4,
+  adDouble = 5,
+  adCurrency = 6,
+  adDate = 7,
+  adBSTR = 8,
+  adBoolean = 11,
+  adVariant = 12,
+  adDecimal = 14,
+  adTinyInt = 16,
+  adUnsignedTinyInt = 17,
+  adUnsignedSmallInt = 18,
+  adUnsignedInt = 19,
+  adBigInt = 20,
+  adUnsignedBigInt = 21,
+  adBinary = 128,
+  adChar = 129,
+  adWChar = 130,
+  adNumeric = 131,
+  adDBDate = 133,
+  adDBTime = 134,
+  adDBTimeStamp = 135,
+  adChapter = 136,
+  adVarNumeric = 139,
+  adVarChar = 200,
+  adLongVarChar = 201,
+  adVarWChar = 202,
+  adLongVarWChar = 203,
+  adVarBinary = 204,
+  adLongVarBinary = 205,
+};
+
+// Field status codes.
+enum FieldStatusEnum : int32_t {
+  adFieldOK = 0,
+  adFieldCantConvertValue = 2,
+  adFieldIsNull = 3,
+  adFieldTruncated = 4,
+  adFieldSignMismatch = 5,
+  adFieldDataOverflow = 6,
+  adFieldCantCreate = 7,
+  adFieldUnavailable = 8,
+  adFieldPermissionDenied = 9,
+  adFieldIntegrityViolation = 10,
+  adFieldSchemaViolation = 11,
+  adFieldBadStatus = 12,
+  adFieldDefault = 13,
+};
+
+}  // namespace kelvary

@@ -1,0 +1,36 @@
+#include "kelvary/platform/Error.h"
+
+#include <utility>
+
+namespace kelvary {
+
+Error::Error(int32_t number, std::string description, std::string source)
+    : std::runtime_error(description),
+      number_(number),
+      description_(std::move(description)),
+      source_(std::move(source)) {}
+
+Error& Error::WithSqlState(std::string sql_state) {
+  sql_state_ = std::move(sql_state);
+  return *this;
+}
+
+Error& Error::WithNativeError(int32_t native_error) {
+  native_error_ = native_error;
+  return *this;
+}
+
+Error& Error::WithStatement(std::string statement) {
+  statement_ = std::move(statement);
+  return *this;
+}
+
+Error& Error::AddContext(const std::string& context) {
+  description_ = context + ": " + description_;
+  Refresh();
+  return *this;
+}
+
+void Error::Refresh() { static_cast<std::runtime_error&>(*this) = std::runtime_error(description_); }
+
+}  // namespace kelvary

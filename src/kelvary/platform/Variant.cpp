@@ -1,0 +1,372 @@
+#include "kelvary/platform/Variant.h"
+
+#include <cctype>
+#include <cerrno>
+#include <cfenv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <ostream>
+
+#include "kelvary/platform/Error.h"
+
+namespace kelvary {
+namespace {
+
+[[noreturn]] void ThrowTypeMismatch() { throw Error(kErrTypeMismatch, "Type mismatch"); }
+[[noreturn]] void ThrowOverflow() { throw Error(kErrOverflow, "Overflow"); }
+[[noreturn]] void ThrowInvalidNull() { throw Error(kErrInvalidUseOfNull, "Invalid use of Null"); }
+
+std::string_view Trim(std::string_view s) {
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+  return s;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (std::tolower(static_cast<unsigned char>(a[i])) !=
+        std::tolower(static_cast<unsigned char>(b[i]))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Reads text as a number: optional sign, digits with an optional decimal
+// point and exponent, or &H hexadecimal. The whole text must be used.
+std::optional<double> ParseNumber(std::string_view text) {
+  text = Trim(text);
+  if (text.empty()) return std::nullopt;
+  if (text.size() > 2 && text[0] == '&' && (text[1] == 'H' || text[1] == 'h')) {
+    int64_t value = 0;
+    for (char c : text.substr(2)) {
+      if (!std::isxdigit(static_cast<unsigned char>(c))) return std::nullopt;
+      value = value * 16 + (std::isdigit(static_cast<unsigned char>(c))
+                                 ? c - '0'
+                                 : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10);
+      if (value > 0xFFFFFFFFLL) return std::nullopt;
+    }
+    return static_cast<double>(value);
+  }
+  for (char c : text) {  // strtod would also take "inf", "nan" and hex floats
+    if (!std::isdigit(static_cast<unsigned char>(c)) && c != '.' && c != '-' && c != '+' &&
+        c != 'e' && c != 'E') {
+      return std::nullopt;
+    }
+  }
+  std::string copy(text);
+  char* end = nullptr;
+  errno = 0;
+  const double value = std::strtod(copy.c_str(), &end);
+  if (end != copy.c_str() + copy.size() || errno == ERANGE) return std::nullopt;
+  return value;
+}
+
+// The numeric value of any kind that has one, for the number conversions.
+double NumericValue(const Variant& v) {
+  switch (v.Type()) {
+    case vbEmpty:
+      return 0;
+    case vbNull:
+      ThrowInvalidNull();
+    case vbBoolean:
+      return *v.Get<bool>() ? -1 : 0;
+    case vbInteger:
+      return *v.Get<int16_t>();
+    case vbLong:
+      return *v.Get<int32_t>();
+    case vbLongLong:
+      return static_cast<double>(*v.Get<int64_t>());
+    case vbSingle:
+      return *v.Get<float>();
+    case vbDouble:
+      return *v.Get<double>();
+    case vbCurrency:
+      return v.Get<Currency>()->ToDouble();
+    case vbDate:
+      return v.Get<Date>()->Serial();
+    case vbString: {
+      const std::string& s = *v.Get<std::string>();
+      if (auto n = ParseNumber(s)) return *n;
+      ThrowTypeMismatch();
+    }
+    case vbObject:
+    default:
+      ThrowTypeMismatch();
+  }
+}
+
+template <class Int>
+Int ToInteger(const Variant& v) {
+  if (const auto* i = v.Get<int64_t>()) {  // exact path: no detour through double
+    if (*i < std::numeric_limits<Int>::min() || *i > std::numeric_limits<Int>::max()) {
+      ThrowOverflow();
+    }
+    return static_cast<Int>(*i);
+  }
+  const double d = NumericValue(v);
+  if (std::isnan(d)) ThrowOverflow();
+  const double r = RoundHalfEven(d);
+  if (r < static_cast<double>(std::numeric_limits<Int>::min()) ||
+      r > static_cast<double>(std::numeric_limits<Int>::max())) {
+    ThrowOverflow();
+  }
+  return static_cast<Int>(r);
+}
+
+std::string TrimmedNumber(const char* format, double value) {
+  char buffer[64];
+  std::snprintf(buffer, sizeof buffer, format, value);
+  return buffer;
+}
+
+}  // namespace
+
+Currency Currency::FromDouble(double value) {
+  const double scaled = RoundHalfEven(value * 10000.0);
+  if (!(scaled >= -9.2233720368547758e18 && scaled < 9.2233720368547758e18)) ThrowOverflow();
+  return Currency{static_cast<int64_t>(scaled)};
+}
+
+VariantType Variant::Type() const {
+  static constexpr VariantType kTypes[] = {vbEmpty,  vbNull,   vbBoolean,  vbInteger,
+                                           vbLong,   vbLongLong, vbSingle, vbDouble,
+                                           vbCurrency, vbDate, vbString,  vbObject};
+  return kTypes[value_.index()];
+}
+
+bool Variant::IsNumber() const {
+  switch (Type()) {
+    case vbInteger:
+    case vbLong:
+    case vbLongLong:
+    case vbSingle:
+    case vbDouble:
+    case vbCurrency:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::shared_ptr<Object> Variant::ObjectValue() const {
+  if (const auto* o = std::get_if<std::shared_ptr<Object>>(&value_)) return *o;
+  return nullptr;
+}
+
+double RoundHalfEven(double value) {
+  // nearbyint rounds in the current mode; the default mode is to-nearest-even.
+  const int mode = std::fegetround();
+  if (mode != FE_TONEAREST) std::fesetround(FE_TONEAREST);
+  const double r = std::nearbyint(value);
+  if (mode != FE_TONEAREST) std::fesetround(mode);
+  return r;
+}
+
+std::string NumberText(double value) {
+  if (std::isnan(value)) return "NaN";
+  if (std::isinf(value)) return value > 0 ? "Infinity" : "-Infinity";
+  if (value == 0) return "0";
+  // Fifteen significant digits, trailing zeros dropped.
+  char buffer[64];
+  std::snprintf(buffer, sizeof buffer, "%.14e", value);
+  std::string text(buffer);
+  const size_t e = text.find('e');
+  std::string mantissa = text.substr(0, e);
+  const int exponent = std::atoi(text.c_str() + e + 1);
+  const bool negative = mantissa[0] == '-';
+  if (negative) mantissa.erase(0, 1);
+  std::string digits;
+  for (char c : mantissa) {
+    if (c != '.') digits += c;
+  }
+  while (digits.size() > 1 && digits.back() == '0') digits.pop_back();
+  std::string out;
+  if (exponent >= 15 || exponent < -6) {
+    out = digits.substr(0, 1);
+    if (digits.size() > 1) out += "." + digits.substr(1);
+    char exp[16];
+    std::snprintf(exp, sizeof exp, "E%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
+    out += exp;
+  } else if (exponent < 0) {
+    out = "0." + std::string(static_cast<size_t>(-exponent - 1), '0') + digits;
+  } else {
+    const size_t whole = static_cast<size_t>(exponent) + 1;
+    if (digits.size() <= whole) {
+      out = digits + std::string(whole - digits.size(), '0');
+    } else {
+      out = digits.substr(0, whole) + "." + digits.substr(whole);
+    }
+  }
+  return negative ? "-" + out : out;
+}
+
+std::string DateText(Date d) {
+  if (!HasTime(d)) return Format(d, "mm/dd/yyyy");
+  if (static_cast<int64_t>(d.Serial()) == 0) return Format(d, "hh:nn:ss");
+  return Format(d, "mm/dd/yyyy hh:nn:ss");
+}
+
+std::string CStr(const Variant& v) {
+  switch (v.Type()) {
+    case vbEmpty:
+      return "";
+    case vbNull:
+      ThrowInvalidNull();
+    case vbBoolean:
+      return *v.Get<bool>() ? "True" : "False";
+    case vbInteger:
+      return std::to_string(*v.Get<int16_t>());
+    case vbLong:
+      return std::to_string(*v.Get<int32_t>());
+    case vbLongLong:
+      return std::to_string(*v.Get<int64_t>());
+    case vbSingle: {
+      std::string s = TrimmedNumber("%.7g", *v.Get<float>());
+      // Reuse the double writer on the float's own seven digits.
+      return NumberText(std::strtod(s.c_str(), nullptr));
+    }
+    case vbDouble:
+      return NumberText(*v.Get<double>());
+    case vbCurrency: {
+      const int64_t scaled = v.Get<Currency>()->scaled;
+      const uint64_t magnitude =
+          scaled < 0 ? 0 - static_cast<uint64_t>(scaled) : static_cast<uint64_t>(scaled);
+      std::string out = std::to_string(magnitude / 10000);
+      std::string fraction = std::to_string(magnitude % 10000 + 10000).substr(1);
+      while (!fraction.empty() && fraction.back() == '0') fraction.pop_back();
+      if (!fraction.empty()) out += "." + fraction;
+      return scaled < 0 ? "-" + out : out;
+    }
+    case vbDate:
+      return DateText(*v.Get<Date>());
+    case vbString:
+      return *v.Get<std::string>();
+    case vbObject:
+    default:
+      ThrowTypeMismatch();
+  }
+}
+
+int16_t CInt(const Variant& v) { return ToInteger<int16_t>(v); }
+int32_t CLng(const Variant& v) { return ToInteger<int32_t>(v); }
+int64_t CLngLng(const Variant& v) { return ToInteger<int64_t>(v); }
+
+double CDbl(const Variant& v) { return NumericValue(v); }
+
+float CSng(const Variant& v) {
+  const double d = CDbl(v);
+  if (std::isfinite(d) && std::fabs(d) > std::numeric_limits<float>::max()) ThrowOverflow();
+  return static_cast<float>(d);
+}
+
+Currency CCur(const Variant& v) {
+  if (const auto* c = v.Get<Currency>()) return *c;
+  return Currency::FromDouble(CDbl(v));
+}
+
+bool CBool(const Variant& v) {
+  if (const auto* b = v.Get<bool>()) return *b;
+  if (v.IsString()) {
+    const std::string_view s = Trim(*v.Get<std::string>());
+    if (EqualsNoCase(s, "True")) return true;
+    if (EqualsNoCase(s, "False")) return false;
+    if (auto n = ParseNumber(s)) return *n != 0;
+    ThrowTypeMismatch();
+  }
+  return NumericValue(v) != 0;
+}
+
+Date CDate(const Variant& v) {
+  switch (v.Type()) {
+    case vbDate:
+      return *v.Get<Date>();
+    case vbString: {
+      const std::string& s = *v.Get<std::string>();
+      if (auto d = ParseDate(s)) return *d;
+      if (auto n = ParseNumber(s)) return Date(*n);
+      ThrowTypeMismatch();
+    }
+    default: {
+      const double serial = NumericValue(v);
+      if (!(serial > -657435.0 && serial < 2958466.0)) ThrowOverflow();  // years 100 to 9999
+      return Date(serial);
+    }
+  }
+}
+
+std::string TextOf(const Variant& v) {
+  if (v.IsNull() || v.IsEmpty()) return "";
+  return CStr(v);
+}
+
+bool IsDate(const Variant& v) {
+  if (v.Type() == vbDate) return true;
+  if (v.IsString()) return ParseDate(*v.Get<std::string>()).has_value();
+  return false;
+}
+
+bool IsNumeric(const Variant& v) {
+  switch (v.Type()) {
+    case vbEmpty:
+    case vbBoolean:
+      return true;
+    case vbString:
+      return ParseNumber(*v.Get<std::string>()).has_value();
+    default:
+      return v.IsNumber();
+  }
+}
+
+int CompareValues(const Variant& a, const Variant& b) {
+  const bool a_none = a.IsNull() || a.IsEmpty();
+  const bool b_none = b.IsNull() || b.IsEmpty();
+  if (a_none || b_none) return static_cast<int>(b_none) - static_cast<int>(a_none);
+  auto numeric = [](const Variant& v) -> std::optional<double> {
+    if (v.IsNumber() || v.Type() == vbBoolean || v.Type() == vbDate) return NumericValue(v);
+    return std::nullopt;
+  };
+  std::optional<double> na = numeric(a);
+  std::optional<double> nb = numeric(b);
+  // Text meets a number by the number it reads as, and a date by the date.
+  auto text_value = [](const std::string& text, bool as_date) -> std::optional<double> {
+    if (!as_date) return ParseNumber(text);
+    if (auto d = ParseDate(text)) return d->Serial();
+    return std::nullopt;
+  };
+  if (na && !nb && b.IsString()) nb = text_value(*b.Get<std::string>(), a.Type() == vbDate);
+  if (nb && !na && a.IsString()) na = text_value(*a.Get<std::string>(), b.Type() == vbDate);
+  if (na && nb) return *na < *nb ? -1 : (*na > *nb ? 1 : 0);
+  if (a.IsObject() || b.IsObject()) ThrowTypeMismatch();
+  const std::string ta = CStr(a);
+  const std::string tb = CStr(b);
+  const size_t n = std::min(ta.size(), tb.size());
+  for (size_t i = 0; i < n; ++i) {
+    const int ca = std::tolower(static_cast<unsigned char>(ta[i]));
+    const int cb = std::tolower(static_cast<unsigned char>(tb[i]));
+    if (ca != cb) return ca < cb ? -1 : 1;
+  }
+  return ta.size() < tb.size() ? -1 : (ta.size() > tb.size() ? 1 : 0);
+}
+
+std::ostream& operator<<(std::ostream& os, const Variant& v) {
+  switch (v.Type()) {
+    case vbEmpty:
+      return os << "Empty";
+    case vbNull:
+      return os << "Null";
+    case vbObject:
+      return os << "Object(" << v.ObjectValue().get() << ")";
+    case vbString:
+      return os << "String(\"" << *v.Get<std::string>() << "\")";
+    default:
+      return os << "Variant(type " << v.Type() << ": " << CStr(v) << ")";
+  }
+}
+
+void PrintTo(const Variant& v, std::ostream* os) { *os << v; }
+
+}  // namespace kelvary

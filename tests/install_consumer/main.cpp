@@ -1,0 +1,9 @@
+#include <iostream>
+
+#include "kelvary/platform/Variant.h"
+
+int main() {
+  kelvary::Variant v(2.5);
+  std::cout << "kelvary consumer: CLng(2.5) = " << kelvary::CLng(v) << "\n";
+  return kelvary::CLng(v) == 2 ? 0 : 1;
+}
