@@ -13,6 +13,7 @@
 
 #ifdef KELVARY_HAVE_ODBC
 #include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/drivers/odbc/internal/OdbcConnection.h"
 #endif
 
 namespace kelvary::testing {
@@ -388,6 +389,45 @@ TEST_F(OdbcRun, LargeResultsArriveWholeAcrossManyBlocks) {
   const StatementResult first = Db().Run("SELECT id FROM " + t + " ORDER BY id", {}, 10);
   ASSERT_EQ(first.rows.RowCount(), 10u);
   EXPECT_EQ(first.rows.Cell(9, 0), Variant(int32_t{10}));
+}
+
+TEST_F(OdbcRun, RowByRowReadingGivesWhatBlockReadingGives) {
+  // Values longer than a bound slot (long text, bytes, a 60-digit numeric)
+  // are read again in pieces on the block path and in pieces only on the
+  // row-by-row path that drivers without block positioning take.
+  const std::string t = Table("paths");
+  Exec("CREATE TABLE " + t +
+       " (id integer PRIMARY KEY, n numeric, amount numeric(12,4), flag boolean, day date,"
+       " stamp timestamp, name varchar(10), note text, bytes bytea)");
+  Exec("INSERT INTO " + t +
+       " SELECT g, CASE WHEN g % 3 = 0 THEN 10::numeric ^ 59 + g ELSE g / 8.0 END, g * 1.0001,"
+       " g % 2 = 0, DATE '2000-02-28' + g, TIMESTAMP '1899-12-30 06:00' + g * interval '1 day 1 s',"
+       " 'ñ' || g, repeat('ü', g * 97 % 20000), decode(repeat('00ff', g * 31 % 700), 'hex')"
+       " FROM generate_series(1, 300) g");
+  Exec("INSERT INTO " + t + " (id) VALUES (0)");
+  const std::string select = "SELECT * FROM " + t + " ORDER BY id";
+  const StatementResult block = Exec(select);
+  auto row_by_row = odbc::OpenConnection("DSN=" + Dsn(), "", "", odbc::FetchStrategy::kRowByRow);
+  const StatementResult single = row_by_row->Run(select, {}, 0);
+
+  ASSERT_EQ(block.rows.RowCount(), 301u);
+  ASSERT_EQ(single.rows.columns.size(), block.rows.columns.size());
+  for (size_t c = 0; c < block.rows.columns.size(); ++c) {
+    EXPECT_EQ(single.rows.columns[c].type, block.rows.columns[c].type);
+    EXPECT_EQ(single.rows.columns[c].key, block.rows.columns[c].key);
+  }
+  EXPECT_EQ(single.rows.cells, block.rows.cells);
+  const size_t row = 150;  // id 150: every long value is long here
+  EXPECT_EQ(block.rows.Cell(row, 1), Variant(1e59));
+  EXPECT_EQ(block.rows.Cell(row, 2), Variant(Money(150 * 10001)));
+  EXPECT_EQ(block.rows.Cell(row, 5),
+            Variant(Date(DateTimeOf(1900, 5, 29, 6, 2, 30).Serial())));
+  std::string umlauts;
+  for (int i = 0; i < 150 * 97 % 20000; ++i) umlauts += "ü";
+  EXPECT_EQ(block.rows.Cell(row, 7), Variant(umlauts));
+  std::string bytes;
+  for (int i = 0; i < 150 * 31 % 700; ++i) bytes += std::string("\x00\xff", 2);
+  EXPECT_EQ(block.rows.Cell(row, 8), Variant(bytes));
 }
 
 TEST_F(OdbcRun, BusyTimeoutBoundsTheWaitForALockedRow) {

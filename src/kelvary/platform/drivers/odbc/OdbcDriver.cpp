@@ -9,6 +9,7 @@
 
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcApi.h"
+#include "kelvary/platform/drivers/odbc/internal/OdbcConnection.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcParameters.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcResult.h"
 
@@ -112,7 +113,7 @@ TableName ParseTableName(std::string_view text) {
 class OdbcConnection final : public DriverConnection {
  public:
   OdbcConnection(const std::string& connection_string, const std::string& user,
-                 const std::string& password);
+                 const std::string& password, odbc::FetchStrategy strategy);
   ~OdbcConnection() override;
 
   StatementResult Run(const std::string& sql, const std::vector<Variant>& params,
@@ -147,7 +148,7 @@ class OdbcConnection final : public DriverConnection {
 };
 
 OdbcConnection::OdbcConnection(const std::string& connection_string, const std::string& user,
-                               const std::string& password) {
+                               const std::string& password, odbc::FetchStrategy strategy) {
   SQLHANDLE env = SQL_NULL_HANDLE;
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env))) {
     throw Error(kErrProviderNotFound, "The ODBC driver manager could not be initialised", "ODBC");
@@ -170,7 +171,7 @@ OdbcConnection::OdbcConnection(const std::string& connection_string, const std::
   if (!SQL_SUCCEEDED(rc)) odbc::ThrowDiagnostics(SQL_HANDLE_DBC, dbc, "SQLDriverConnect");
   connected_ = true;
   dbms_ = DbmsOf(odbc::InfoText(dbc, SQL_DBMS_NAME));
-  capabilities_ = odbc::ProbeFetchCapabilities(dbc);
+  if (strategy == odbc::FetchStrategy::kBest) capabilities_ = odbc::ProbeFetchCapabilities(dbc);
 }
 
 OdbcConnection::~OdbcConnection() {
@@ -447,10 +448,19 @@ void OdbcConnection::Close() {
 
 }  // namespace
 
+namespace odbc {
+std::unique_ptr<DriverConnection> OpenConnection(const std::string& connection_string,
+                                                 const std::string& user,
+                                                 const std::string& password,
+                                                 FetchStrategy strategy) {
+  return std::make_unique<OdbcConnection>(connection_string, user, password, strategy);
+}
+}  // namespace odbc
+
 std::unique_ptr<DriverConnection> OpenOdbcConnection(const std::string& connection_string,
                                                      const std::string& user,
                                                      const std::string& password) {
-  return std::make_unique<OdbcConnection>(connection_string, user, password);
+  return odbc::OpenConnection(connection_string, user, password, odbc::FetchStrategy::kBest);
 }
 
 }  // namespace kelvary
