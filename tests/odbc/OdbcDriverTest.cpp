@@ -58,10 +58,12 @@ TEST(OdbcConnect, ByDataSourceNameAndByDriverString) {
   const std::string driver_string = EnvOr("KELVARY_TEST_ODBC_CONNECT");
   if (driver_string.empty()) return;
   // User and password go to the driver as UID and PWD.
-  auto db = OpenOdbcConnection(driver_string, EnvOr("KELVARY_TEST_ODBC_USER"),
-                               EnvOr("KELVARY_TEST_ODBC_PASSWORD"));
-  EXPECT_EQ(db->Run("SELECT current_user", {}, 0).rows.Cell(0, 0),
-            Variant(EnvOr("KELVARY_TEST_ODBC_USER")));
+  for (const std::string& how : {driver_string, driver_string + ";"}) {
+    auto db = OpenOdbcConnection(how, EnvOr("KELVARY_TEST_ODBC_USER"),
+                                 EnvOr("KELVARY_TEST_ODBC_PASSWORD"));
+    EXPECT_EQ(db->Run("SELECT current_user", {}, 0).rows.Cell(0, 0),
+              Variant(EnvOr("KELVARY_TEST_ODBC_USER")));
+  }
   const Error refused = ErrorOf([&] {
     OpenOdbcConnection(driver_string, EnvOr("KELVARY_TEST_ODBC_USER"), "not-the-password");
   });
@@ -420,13 +422,14 @@ TEST_F(OdbcRun, RowByRowReadingGivesWhatBlockReadingGives) {
   const size_t row = 150;  // id 150: every long value is long here
   EXPECT_EQ(block.rows.Cell(row, 1), Variant(1e59));
   EXPECT_EQ(block.rows.Cell(row, 2), Variant(Money(150 * 10001)));
-  EXPECT_EQ(block.rows.Cell(row, 5),
-            Variant(Date(DateTimeOf(1900, 5, 29, 6, 2, 30).Serial())));
+  EXPECT_EQ(block.rows.Cell(row, 5), Variant(Date(DateTimeOf(1900, 5, 29, 6, 2, 30).Serial())));
   std::string umlauts;
-  for (int i = 0; i < 150 * 97 % 20000; ++i) umlauts += "ü";
+  for (int i = 0; i < 150 * 97 % 20000; ++i)
+    umlauts += "ü";
   EXPECT_EQ(block.rows.Cell(row, 7), Variant(umlauts));
   std::string bytes;
-  for (int i = 0; i < 150 * 31 % 700; ++i) bytes += std::string("\x00\xff", 2);
+  for (int i = 0; i < 150 * 31 % 700; ++i)
+    bytes += std::string("\x00\xff", 2);
   EXPECT_EQ(block.rows.Cell(row, 8), Variant(bytes));
 }
 

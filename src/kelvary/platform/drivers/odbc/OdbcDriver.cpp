@@ -162,8 +162,13 @@ OdbcConnection::OdbcConnection(const std::string& connection_string, const std::
 
   std::string full = connection_string;
   if (full.find('=') == std::string::npos) full = "DSN=" + odbc::ConnectionValue(full);
-  if (!user.empty()) full += ";UID=" + odbc::ConnectionValue(user);
-  if (!password.empty()) full += ";PWD=" + odbc::ConnectionValue(password);
+  const auto add = [&full](const char* key, const std::string& value) {
+    if (value.empty()) return;
+    if (!full.empty() && full.back() != ';') full += ';';
+    full += key + odbc::ConnectionValue(value);
+  };
+  add("UID=", user);
+  add("PWD=", password);
   std::u16string wide = odbc::Widen(full);
   const SQLRETURN rc =
       SQLDriverConnectW(dbc, nullptr, odbc::WidePtr(wide), static_cast<SQLSMALLINT>(wide.size()),
