@@ -6,6 +6,8 @@
 //               fetch of 1,000 rows, typed C values
 //   Libpq       PostgreSQL's own client library (PQexec, text values parsed),
 //               when the build found it
+//   LibpqVariants  libpq's rows turned into the same Variant cells as ours:
+//               what a native PostgreSQL driver would cost
 // and the ratios. Needs KELVARY_TEST_ODBC_DSN (and KELVARY_TEST_PG_CONNINFO
 // for libpq), as printed by scripts/pg-test-server.sh; skips without them.
 // The table kelvary_bench_walk is made on first use and kept.
@@ -207,6 +209,70 @@ void BM_Libpq(benchmark::State& state) {
   state.counters["check"] = static_cast<double>(totals.ids + totals.text_bytes + totals.years);
   PQfinish(conn);
 }
+
+// What a native PostgreSQL driver would cost: libpq's result turned into the
+// same Variant cells our driver hands the cursor engine, then the same walk.
+void BM_LibpqVariants(benchmark::State& state) {
+  PGconn* conn = PQconnectdb(Env("KELVARY_TEST_PG_CONNINFO").c_str());
+  if (PQstatus(conn) != CONNECTION_OK) {
+    state.SkipWithError(PQerrorMessage(conn));
+    PQfinish(conn);
+    return;
+  }
+  Totals totals;
+  for (auto _ : state) {
+    totals = Totals{};
+    PGresult* result = PQexec(conn, kSelect);
+    const int rows = PQntuples(result);
+    std::vector<kelvary::Variant> cells;
+    cells.reserve(static_cast<size_t>(rows) * 6);
+    for (int r = 0; r < rows; ++r) {
+      for (int c = 0; c < 6; ++c) {
+        if (PQgetisnull(result, r, c)) {
+          cells.push_back(kelvary::Variant::Null());
+          continue;
+        }
+        const char* text = PQgetvalue(result, r, c);
+        switch (c) {
+          case 0:
+          case 5:
+            cells.emplace_back(static_cast<int32_t>(std::strtol(text, nullptr, 10)));
+            break;
+          case 3: {
+            const int year = static_cast<int>(std::strtol(text, nullptr, 10));
+            const int month = static_cast<int>(std::strtol(text + 5, nullptr, 10));
+            const int day = static_cast<int>(std::strtol(text + 8, nullptr, 10));
+            cells.emplace_back(kelvary::DateSerial(year, month, day));
+            break;
+          }
+          case 4:
+            cells.emplace_back(std::strtod(text, nullptr));
+            break;
+          default:
+            cells.emplace_back(std::string(text, static_cast<size_t>(PQgetlength(result, r, c))));
+        }
+      }
+    }
+    PQclear(result);
+    for (size_t row = 0; row < static_cast<size_t>(rows); ++row) {
+      const kelvary::Variant* cell = &cells[row * 6];
+      totals.ids += *cell[0].Get<int32_t>();
+      totals.text_bytes += static_cast<int64_t>(cell[1].Get<std::string>()->size() +
+                                                cell[2].Get<std::string>()->size());
+      totals.years += kelvary::Year(*cell[3].Get<kelvary::Date>());
+      totals.balance += *cell[4].Get<double>();
+      if (cell[5].IsNull()) {
+        ++totals.nulls;
+      } else {
+        totals.ids += *cell[5].Get<int32_t>();
+      }
+    }
+    benchmark::DoNotOptimize(totals);
+  }
+  state.counters["rows"] = static_cast<double>(kRows);
+  state.counters["check"] = static_cast<double>(totals.ids + totals.text_bytes + totals.years);
+  PQfinish(conn);
+}
 #endif
 
 // Keeps each benchmark's best time per walk over its repetitions (the
@@ -232,13 +298,16 @@ class RatioReporter : public benchmark::ConsoleReporter {
     const double ours = time("BM_DriverRun");
     const double plain = time("BM_PlainOdbc");
     const double libpq = time("BM_Libpq");
+    const double native = time("BM_LibpqVariants");
     std::printf("\n%d-row walk, best seconds per walk:\n", kRows);
     std::printf("  our ODBC driver (Run)    %.4f\n", ours);
     std::printf("  plain ODBC loop          %.4f\n", plain);
     if (libpq > 0) std::printf("  libpq                    %.4f\n", libpq);
+    if (native > 0) std::printf("  libpq into Variants      %.4f  (a native driver)\n", native);
     if (ours > 0 && plain > 0) std::printf("  ours / plain ODBC        %.2fx\n", ours / plain);
     if (libpq > 0 && plain > 0) std::printf("  plain ODBC / libpq       %.2fx\n", plain / libpq);
     if (libpq > 0 && ours > 0) std::printf("  ours / libpq             %.2fx\n", ours / libpq);
+    if (native > 0 && ours > 0) std::printf("  ours / native driver     %.2fx\n", ours / native);
   }
 
  private:
@@ -278,6 +347,9 @@ int main(int argc, char** argv) {
 #ifdef KELVARY_HAVE_LIBPQ
   if (!Env("KELVARY_TEST_PG_CONNINFO").empty()) {
     benchmark::RegisterBenchmark("BM_Libpq", BM_Libpq)
+        ->Unit(benchmark::kMillisecond)
+        ->Repetitions(kRepetitions);
+    benchmark::RegisterBenchmark("BM_LibpqVariants", BM_LibpqVariants)
         ->Unit(benchmark::kMillisecond)
         ->Repetitions(kRepetitions);
   }
