@@ -84,8 +84,8 @@ inline SQLWCHAR* WidePtr(std::u16string& text) {
   return reinterpret_cast<SQLWCHAR*>(text.data());
 }
 
-// StringAttribute / StringInfo: a text attribute of a column or of the
-// connection, as UTF-8 ("" when the driver has none).
+// ColumnTextAttribute / InfoText: a text attribute of a result column or of
+// the connection, as UTF-8 ("" when the driver has none).
 std::string ColumnTextAttribute(SQLHSTMT stmt, SQLUSMALLINT column, SQLUSMALLINT field);
 std::string InfoText(SQLHDBC dbc, SQLUSMALLINT info);
 
