@@ -48,8 +48,9 @@ class Field {
   DataTypeEnum Type() const;
   int32_t DefinedSize() const;
   // Value: the value in the current row; Null for a NULL. Raises Error 3021
-  // when there is no current row.
-  Variant Value() const;
+  // when there is no current row. The reference is valid until the
+  // recordset changes (a move, an edit, AddNew, Close): copy it to keep it.
+  const Variant& Value() const;
   // Setting Value starts an edit of the current row (EditMode becomes
   // adEditInProgress) unless one is in progress; raises Error 3251 on a
   // read-only recordset.
@@ -86,8 +87,8 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   bool Bof() const;
   bool Eof() const;
   int32_t RecordCount() const;
-  // AbsolutePosition: 1-based position among the visible rows; -1 (unknown)
-  // at BOF or EOF.
+  // AbsolutePosition: 1-based position among the visible rows; -2 at BOF,
+  // -3 at EOF (an empty recordset is at EOF), -1 on a deleted row.
   int32_t AbsolutePosition() const;
   // Bookmark: an opaque value naming the current row; assigning it moves back.
   Variant Bookmark() const;

@@ -52,9 +52,9 @@ struct RowSet {
 
 // StatementResult: what one statement produced.
 struct StatementResult {
-  bool has_rows = false;         // the statement returns rows (perhaps none)
-  RowSet rows;                   // filled when has_rows
-  int64_t records_affected = -1; // rows changed by INSERT, UPDATE or DELETE
+  bool has_rows = false;          // the statement returns rows (perhaps none)
+  RowSet rows;                    // filled when has_rows
+  int64_t records_affected = -1;  // rows changed by INSERT, UPDATE or DELETE
 };
 
 class DriverConnection {
@@ -76,6 +76,15 @@ class DriverConnection {
   // LastInsertedKey: the key the database generated for the last INSERT on
   // this connection into table (column key_column); Empty when unknown.
   virtual Variant LastInsertedKey(const std::string& table, const std::string& key_column) = 0;
+
+  // EqualsParameter: SQL text that is true when column (already quoted)
+  // holds the value of one "?" parameter of the given type, for locating a
+  // row by the values it was read with. Drivers that store a type in a form
+  // of their own (SQLite's dates as text) compare by meaning here.
+  virtual std::string EqualsParameter(const std::string& column, DataTypeEnum type) const {
+    (void)type;
+    return column + " = ?";
+  }
 
   // SetBusyTimeout: how long to wait for a database that another connection
   // or process is writing before failing.
