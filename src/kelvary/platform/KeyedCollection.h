@@ -28,8 +28,7 @@ namespace kelvary {
 namespace internal {
 inline std::string FoldKey(std::string_view key) {
   std::string folded(key);
-  for (char& c : folded)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (char& c : folded) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return folded;
 }
 [[noreturn]] inline void ThrowAbsentMember() {
@@ -49,6 +48,7 @@ class KeyedCollection {
   };
 
  public:
+
   // Add appends item; with a non-empty key it is reachable by that key too.
   // REQUIRES: no member already has the key (compared without case).
   void Add(Member item, std::string_view key = {}) {
@@ -129,8 +129,7 @@ class KeyedCollection {
   // Clear removes position 1 while there are members: members leave from
   // the front, so they are released in insertion order.
   void Clear() {
-    while (Count() >= 1)
-      Remove(1);
+    while (Count() >= 1) Remove(1);
   }
 
   // Iteration over the members in order (NewEnum).
