@@ -142,7 +142,8 @@ std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text,
   return recordset;
 }
 
-std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text, int32_t options) {
+std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text,
+                                               CommandOptionsEnum options) {
   int32_t ignored = 0;
   return Execute(command_text, ignored, options);
 }

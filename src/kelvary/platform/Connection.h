@@ -64,8 +64,10 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   // receives the number of rows changed (-1 for a SELECT).
   std::shared_ptr<Recordset> Execute(const std::string& command_text, int32_t& records_affected,
                                      int32_t options = adCmdUnspecified);
+  // (The options are an enumeration here so that Execute(sql, count), with
+  // an int32_t count, is never taken for options.)
   std::shared_ptr<Recordset> Execute(const std::string& command_text,
-                                     int32_t options = adCmdUnspecified);
+                                     CommandOptionsEnum options = adCmdUnspecified);
 
   // Transactions; nesting is not supported (BeginTrans returns level 1).
   int32_t BeginTrans();

@@ -113,7 +113,7 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
     choice.data_source = items.Get("DSN").value_or(*items.Get("Driver"));
     return choice;
   }
-  if (provider == "sqlite" || provider == "sqlite3") {
+  if (provider.rfind("sqlite", 0) == 0) {  // SQLite, SQLite3, SQLite.1 ...
     choice.kind = DriverChoice::kSqlite;
     choice.sqlite_path = data_source;
     return choice;

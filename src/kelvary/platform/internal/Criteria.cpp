@@ -99,8 +99,10 @@ class CriteriaParser {
     }
     if (IsWordChar(c)) {
       const size_t start = pos_;
-      while (pos_ < text_.size() && IsWordChar(text_[pos_]))
-        ++pos_;
+      while (pos_ < text_.size() && IsWordChar(text_[pos_])) ++pos_;
+      if (text_[pos_ - 1] == '.' && pos_ < text_.size() && text_[pos_] == '[') {
+        return ReadBracketedName();  // Table.[Column]: the fields carry the column's name
+      }
       token_.kind = Kind::kWord;
       token_.text = text_.substr(start, pos_ - start);
       return;

@@ -19,6 +19,15 @@ bool StartsWithNoCase(std::string_view text, size_t pos, std::string_view word) 
   return true;
 }
 
+constexpr const char* kIsnullFunction = "kelvary_isnull";
+
+bool ContainsIsnull(std::string_view sql) {
+  for (size_t i = 0; i + 6 <= sql.size(); ++i) {
+    if ((sql[i] == 'i' || sql[i] == 'I') && StartsWithNoCase(sql, i, "ISNULL")) return true;
+  }
+  return false;
+}
+
 // ---- The functions --------------------------------------------------------------
 
 void ResultText(sqlite3_context* context, const std::string& text) {
@@ -127,8 +136,8 @@ void LikeFunction(sqlite3_context* context, int argc, sqlite3_value** argv) {
 
 }  // namespace
 
-std::string RewriteDateLiterals(std::string_view sql) {
-  if (sql.find('#') == std::string_view::npos) return std::string(sql);
+std::string RewriteDialect(std::string_view sql) {
+  if (sql.find('#') == std::string_view::npos && !ContainsIsnull(sql)) return std::string(sql);
   std::string out;
   out.reserve(sql.size() + 8);
   size_t i = 0;
@@ -165,6 +174,25 @@ std::string RewriteDateLiterals(std::string_view sql) {
     if (c == '/' && i + 1 < sql.size() && sql[i + 1] == '*') {
       const size_t end = sql.find("*/", i + 2);
       copy_until(end == std::string_view::npos ? sql.size() : end + 2);
+      continue;
+    }
+    if (std::isalpha(static_cast<unsigned char>(c)) || c == '_') {
+      size_t end = i;
+      while (end < sql.size() && (std::isalnum(static_cast<unsigned char>(sql[end])) ||
+                                  sql[end] == '_' || sql[end] == '$')) {
+        ++end;
+      }
+      const std::string_view word = sql.substr(i, end - i);
+      size_t after = end;
+      while (after < sql.size() && std::isspace(static_cast<unsigned char>(sql[after]))) ++after;
+      const bool qualified = i > 0 && sql[i - 1] == '.';
+      if (word.size() == 6 && StartsWithNoCase(word, 0, "ISNULL") && !qualified &&
+          after < sql.size() && sql[after] == '(') {
+        out += kIsnullFunction;
+      } else {
+        out.append(word);
+      }
+      i = end;
       continue;
     }
     if (c == '#') {
@@ -290,7 +318,7 @@ int RegisterDialectFunctions(sqlite3* db) {
     void (*function)(sqlite3_context*, int, sqlite3_value**);
   };
   const Entry entries[] = {
-      {"Isnull", 1, kPure, IsnullFunction},
+      {kIsnullFunction, 1, kPure, IsnullFunction},
       {"Ucase$", 1, kPure, CaseFunction<true>},
       {"Ucase", 1, kPure, CaseFunction<true>},
       {"Lcase$", 1, kPure, CaseFunction<false>},

@@ -3,7 +3,8 @@
 // Ucase$(x), Month(x), Like 'JS0*') and some of the Oracle one
 // (TO_Date('05-Mar-2024','DD-Mon-YYYY'), ||), so the SQLite driver:
 //   - rewrites #date# literals outside quoted text and comments to ISO text
-//     ('2024-03-05', or '2024-03-05 10:30:00' with a time);
+//     ('2024-03-05', or '2024-03-05 10:30:00' with a time), and the calls
+//     of Isnull, which SQLite's parser would take for its ISNULL operator;
 //   - registers Isnull, Ucase$, Ucase, Lcase$, Lcase, Month, Day, Year, Now,
 //     Date (without arguments: today), TO_Date;
 //   - replaces LIKE so that * and ? work beside % and _ (still without
@@ -23,11 +24,12 @@ struct sqlite3;
 
 namespace kelvary::sqlite {
 
-// RewriteDateLiterals: sql with every #date# that reads as a date (see
-// ParseDate) replaced by its ISO text in apostrophes. Text in '...', "...",
-// [...] and `...`, and comments, is left alone, as is a #...# that is no
-// date.
-std::string RewriteDateLiterals(std::string_view sql);
+// RewriteDialect: sql as SQLite reads it: every #date# that reads as a date
+// (see ParseDate) replaced by its ISO text in apostrophes, and every call
+// Isnull(...) renamed kelvary_isnull(...) (ISNULL is a word of SQLite's
+// own: "x ISNULL"). Text in '...', "...", [...] and `...`, and comments,
+// is left alone, as is a #...# that is no date.
+std::string RewriteDialect(std::string_view sql);
 
 // ParseOracleDate: text read with an Oracle date picture (DD, MM, MON,
 // MONTH, YY, YYYY, RR, RRRR, HH, HH12, HH24, MI, SS, AM, PM; other picture

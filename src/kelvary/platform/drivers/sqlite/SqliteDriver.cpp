@@ -246,7 +246,7 @@ class SqliteConnection final : public DriverConnection {
     Bind(stmt, params, sql);
 
     StatementResult result;
-    const int width = sqlite3_column_count(stmt);
+    int width = sqlite3_column_count(stmt);
     if (width == 0) {
       const int64_t before = sqlite3_total_changes64(db_);
       int rc;
@@ -260,7 +260,10 @@ class SqliteConnection final : public DriverConnection {
     int rc = sqlite3_step(stmt);
     if (rc != SQLITE_ROW && rc != SQLITE_DONE) Fail(sql);
     if (sqlite3_stmt_status(stmt, SQLITE_STMTSTATUS_REPREPARE, 0) != prepared.reprepares) {
+      // The schema changed since the statement was prepared: SELECT * may
+      // have other columns now.
       Describe(prepared);
+      width = sqlite3_column_count(stmt);
     }
     RowSet& rows = result.rows;
     rows.columns = prepared.columns;
@@ -387,7 +390,7 @@ class SqliteConnection final : public DriverConnection {
       lru_.splice(lru_.begin(), lru_, it->second.lru);
       return it->second;
     }
-    const std::string text = RewriteDateLiterals(sql);
+    const std::string text = RewriteDialect(sql);
     sqlite3_stmt* stmt = nullptr;
     const char* tail = nullptr;
     if (sqlite3_prepare_v3(db_, text.c_str(), static_cast<int>(text.size()) + 1,
