@@ -69,8 +69,9 @@ TEST(Connection, MissingFilesAndUnknownProvidersAreErrors) {
 
   EXPECT_EQ(ErrorOf([&] { Connection().Open("Provider=Nonsense;Data Source=x"); }).Number(),
             kErrProviderNotFound);
-  EXPECT_EQ(ErrorOf([&] { Connection().Open("Provider=SQLite;Data Source=x.db;Mode=Sideways"); })
-                .Number(),
+  EXPECT_EQ(ErrorOf([&] {
+              Connection().Open("Provider=SQLite;Data Source=x.db;Mode=Sideways");
+            }).Number(),
             kErrProviderNotFound);
 #ifndef KELVARY_HAVE_ODBC
   const Error odbc = ErrorOf([&] {
@@ -104,6 +105,10 @@ TEST(Connection, ExecuteReportsRecordsAffectedAndReturnsRows) {
   EXPECT_EQ(rows->LockType(), adLockReadOnly);
   EXPECT_EQ(rows->ActiveConnection(), c);
   EXPECT_EQ(ErrorOf([&] { rows->Delete(); }).Number(), kErrOperationNotSupported);
+
+  auto table = std::make_shared<Recordset>();
+  table->Open("patients", c, adOpenStatic, adLockReadOnly, adCmdTable);
+  EXPECT_EQ(table->RecordCount(), 6);
 }
 
 TEST(Connection, TransactionsCommitOrRollBack) {
@@ -150,10 +155,11 @@ TEST(SqlScript, SplitsOnSemicolonsOutsideQuotesCommentsAndTriggers) {
 
 TEST(SqlScript, AFailingStatementRollsTheScriptBackAndSaysWhichOneFailed) {
   TestDatabase db;
-  db.Run("CREATE TABLE t (n INTEGER NOT NULL);"
-         "CREATE TABLE log (n INTEGER);"
-         "CREATE TRIGGER keep AFTER INSERT ON t BEGIN INSERT INTO log VALUES (new.n); END;"
-         "INSERT INTO t VALUES (1);");
+  db.Run(
+      "CREATE TABLE t (n INTEGER NOT NULL);"
+      "CREATE TABLE log (n INTEGER);"
+      "CREATE TRIGGER keep AFTER INSERT ON t BEGIN INSERT INTO log VALUES (new.n); END;"
+      "INSERT INTO t VALUES (1);");
   const Error e =
       ErrorOf([&] { db.Run("INSERT INTO t VALUES (2);\nINSERT INTO t VALUES (NULL);"); });
   EXPECT_EQ(e.Description(), "Statement 2 of the script: NOT NULL constraint failed: t.n");

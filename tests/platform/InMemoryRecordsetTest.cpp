@@ -34,18 +34,18 @@ std::shared_ptr<Recordset> BuildShape() {
       child_cells.emplace_back(parent_id);
     }
     auto child = std::make_shared<Recordset>();
-    child->Engine().Load(Rows({Column("ID", adInteger), Column("ParentID", adInteger)},
-                              std::move(child_cells)),
-                         internal::LoadOptions{"child", nullptr});
+    child->Engine().Load(
+        Rows({Column("ID", adInteger), Column("ParentID", adInteger)}, std::move(child_cells)),
+        internal::LoadOptions{"child", nullptr});
     parent_cells.emplace_back(parent);
     parent_cells.emplace_back("Parent " + std::to_string(parent));
     parent_cells.emplace_back(child);
   }
   auto parent = std::make_shared<Recordset>();
-  parent->Engine().Load(Rows({Column("ID", adInteger), Column("Name", adVarWChar),
-                              Column("Visits", adChapter)},
-                             std::move(parent_cells)),
-                        internal::LoadOptions{"SHAPE {...}", nullptr});
+  parent->Engine().Load(
+      Rows({Column("ID", adInteger), Column("Name", adVarWChar), Column("Visits", adChapter)},
+           std::move(parent_cells)),
+      internal::LoadOptions{"SHAPE {...}", nullptr});
   return parent;
 }
 
@@ -85,10 +85,10 @@ TEST(InMemoryRecordset, ChapterFieldsHoldChildRecordsetsThatNavigateOnTheirOwn) 
 
 TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
   auto rs = std::make_shared<Recordset>();
-  rs->Engine().Load(Rows({Column("ID", adInteger), Column("When", adDate)},
-                         {Variant(int32_t{1}), Variant::Null()}),
-                    internal::LoadOptions{"", nullptr, adLockOptimistic,
-                                          internal::WriteMode::kMemory});
+  rs->Engine().Load(
+      Rows({Column("ID", adInteger), Column("When", adDate)},
+           {Variant(int32_t{1}), Variant::Null()}),
+      internal::LoadOptions{"", nullptr, adLockOptimistic, internal::WriteMode::kMemory});
   rs->Fields("When").Value("2024-03-05");
   rs->MoveNext();  // commits in memory
   rs->AddNew();

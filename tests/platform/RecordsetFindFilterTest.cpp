@@ -116,13 +116,13 @@ TEST_F(RecordsetFindFilter, FilterHidesRowsAndRecordCountFollows) {
       {"Active = True", "1,2,4,6"},
       {"Active = False AND ID > 4", "5"},
       {"ParentID <> 1", "4,5"},  // Null matches no comparison but the Null tests
-      {"ID = '3'", "3"},          // text meets a number by the number it reads as
+      {"ID = '3'", "3"},         // text meets a number by the number it reads as
   };
   for (const auto& [criteria, ids] : cases) {
     rs_->Filter(criteria);
     EXPECT_EQ(Ids(*rs_), ids) << criteria;
-    EXPECT_EQ(rs_->RecordCount(), static_cast<int32_t>(std::count(ids, ids + std::strlen(ids), ',') +
-                                                       (*ids ? 1 : 0)))
+    EXPECT_EQ(rs_->RecordCount(),
+              static_cast<int32_t>(std::count(ids, ids + std::strlen(ids), ',') + (*ids ? 1 : 0)))
         << criteria;
   }
   rs_->Filter("ID > 100");
@@ -135,8 +135,9 @@ TEST_F(RecordsetFindFilter, FilterHidesRowsAndRecordCountFollows) {
 }
 
 TEST_F(RecordsetFindFilter, BracketedNamesAndTableQualifiedNamesResolve) {
-  db_.Run("CREATE TABLE odd ([First Name] TEXT, [Order] INTEGER);"
-          "INSERT INTO odd VALUES ('Al', 1); INSERT INTO odd VALUES ('Bo', 2);");
+  db_.Run(
+      "CREATE TABLE odd ([First Name] TEXT, [Order] INTEGER);"
+      "INSERT INTO odd VALUES ('Al', 1); INSERT INTO odd VALUES ('Bo', 2);");
   auto rs = OpenRecordset(db_.Connection(), "SELECT * FROM odd");
   rs->Filter("[First Name] = 'Bo' AND [order] = 2");
   EXPECT_EQ(rs->RecordCount(), 1);

@@ -9,7 +9,8 @@ namespace {
 class RecordsetWriteBack : public ::testing::Test {
  protected:
   void SetUp() override { db_.Run(kPatients); }
-  std::shared_ptr<Recordset> Editable(const std::string& sql = "SELECT * FROM patients ORDER BY ID") {
+  std::shared_ptr<Recordset> Editable(
+      const std::string& sql = "SELECT * FROM patients ORDER BY ID") {
     return OpenRecordset(db_.Connection(), sql, adLockOptimistic);
   }
   // What the database holds now, read on a second connection.
@@ -77,8 +78,9 @@ TEST_F(RecordsetWriteBack, MovingOffAChangedRowCommitsIt) {
 }
 
 TEST_F(RecordsetWriteBack, DeleteRemovesTheRowAndRecordCountDropsAtOnce) {
-  db_.Run("INSERT INTO patients (ID, LastName, ParentID) VALUES (7, 'Lee', 9);"
-          "INSERT INTO patients (ID, LastName, ParentID) VALUES (8, 'Lee', 9);");
+  db_.Run(
+      "INSERT INTO patients (ID, LastName, ParentID) VALUES (7, 'Lee', 9);"
+      "INSERT INTO patients (ID, LastName, ParentID) VALUES (8, 'Lee', 9);");
   auto rs = Editable("SELECT * FROM patients WHERE ParentID = 9");
   int deleted = 0;
   while (rs->RecordCount() >= 1) {  // the system's delete loop
@@ -156,9 +158,9 @@ TEST_F(RecordsetWriteBack, ARejectedWriteMarksTheFieldsItNames) {
 
 TEST_F(RecordsetWriteBack, ReadOnlyAndMultiTableRecordsetsRefuseChanges) {
   auto rs = OpenRecordset(db_.Connection(), "SELECT * FROM patients");
-  for (const auto& call : std::vector<std::function<void()>>{
-           [&] { rs->AddNew(); }, [&] { rs->Delete(); },
-           [&] { rs->Fields("LastName").Value("X"); }}) {
+  for (const auto& call :
+       std::vector<std::function<void()>>{[&] { rs->AddNew(); }, [&] { rs->Delete(); },
+                                          [&] { rs->Fields("LastName").Value("X"); }}) {
     const Error e = ErrorOf(call);
     EXPECT_EQ(e.Number(), kErrOperationNotSupported);
     EXPECT_EQ(e.Description(),
@@ -176,8 +178,9 @@ TEST_F(RecordsetWriteBack, ReadOnlyAndMultiTableRecordsetsRefuseChanges) {
   auto expression = Editable("SELECT ID, LastName || '!' AS Shout FROM patients");
   expression->Fields("Shout").Value("x");  // no table holds it: nothing to write
   expression->Update();
-  db_.Run("CREATE TABLE visits (ID INTEGER PRIMARY KEY, PatientID INTEGER, Note TEXT);"
-          "INSERT INTO visits VALUES (1, 1, 'first');");
+  db_.Run(
+      "CREATE TABLE visits (ID INTEGER PRIMARY KEY, PatientID INTEGER, Note TEXT);"
+      "INSERT INTO visits VALUES (1, 1, 'first');");
   auto two_tables =
       Editable("SELECT p.LastName, v.Note FROM patients p, visits v WHERE v.PatientID = p.ID");
   two_tables->Fields("Note").Value("second");

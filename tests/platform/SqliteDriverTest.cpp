@@ -110,8 +110,7 @@ TEST(SqliteDriver, DateLiteralsAndIsnullCallsAreRewrittenOutsideQuotedText) {
   using sqlite::RewriteDialect;
   EXPECT_EQ(RewriteDialect("SELECT * FROM v WHERE d >= #03/05/2024# AND d < #3/6/2024#"),
             "SELECT * FROM v WHERE d >= '2024-03-05' AND d < '2024-03-06'");
-  EXPECT_EQ(RewriteDialect("WHERE d = #2024-03-05 10:30#"),
-            "WHERE d = '2024-03-05 10:30:00'");
+  EXPECT_EQ(RewriteDialect("WHERE d = #2024-03-05 10:30#"), "WHERE d = '2024-03-05 10:30:00'");
   EXPECT_EQ(RewriteDialect("WHERE x = '#1/2/2024#' AND [a#1/2/2024#] = \"#1/1/2000#\""),
             "WHERE x = '#1/2/2024#' AND [a#1/2/2024#] = \"#1/1/2000#\"");
   EXPECT_EQ(RewriteDialect("WHERE n = 'it''s #1/2/2024#' -- #1/2/2024#\n AND #x#"),

@@ -74,12 +74,17 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
 
-  // Open runs source (a statement) on connection and fetches its rows.
-  // Positions on the first row (Bof and Eof both true when there is none).
-  // REQUIRES: State() == adStateClosed (otherwise Error 3705).
+  // Open runs source (a statement; a table name with options adCmdTable) on
+  // connection and fetches its rows. Positions on the first row (Bof and Eof
+  // both true when there is none). A statement that returns no rows is run
+  // and leaves the recordset closed. A SHAPE statement goes to the shaping
+  // layer. REQUIRES: State() == adStateClosed (otherwise Error 3705) and an
+  // open connection (otherwise Error 3709).
   void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
             CursorTypeEnum cursor_type = adOpenUnspecified,
             LockTypeEnum lock_type = adLockUnspecified, int32_t options = adCmdUnspecified);
+  // Close drops the rows and a pending change (call Update first to keep
+  // it). Raises Error 3704 when already closed.
   void Close();
   ObjectStateEnum State() const;
 
@@ -94,6 +99,9 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   Variant Bookmark() const;
   void Bookmark(const Variant& bookmark);
 
+  // The moves commit a changed row first. MoveFirst and MoveLast raise Error
+  // 3021 on an empty recordset, MoveNext at EOF and MovePrevious at BOF too;
+  // after a Delete, MoveNext lands on the row that followed the deleted one.
   void MoveFirst();
   void MoveLast();
   void MoveNext();
@@ -122,6 +130,13 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   // HasField: whether a field of that name exists.
   bool HasField(std::string_view name) const;
 
+  // AddNew appends a row of Nulls and makes it current (EditMode adEditAdd);
+  // Update writes the pending row (an INSERT reads the generated key and the
+  // table's defaults back) and keeps it current; Delete removes the current
+  // row at once (RecordCount drops; the row stays current, with EditMode
+  // adEditDelete, until the cursor moves); CancelUpdate drops the pending
+  // change (a new row goes, the cursor returns where it was). On a failed
+  // write the change stays pending and the fields concerned carry a Status.
   void AddNew();
   void Update();
   void Delete();

@@ -85,8 +85,6 @@ bool IsSqliteFileName(std::string_view name) {
 DriverChoice ChooseDriver(std::string_view connection_string) {
   const ConnectionStringItems items = ParseConnectionString(connection_string);
   DriverChoice choice;
-  choice.user = items.Get("User ID").value_or(items.Get("UID").value_or(""));
-  choice.password = items.Get("Password").value_or(items.Get("PWD").value_or(""));
   const std::string provider = Lowered(items.Get("Provider").value_or(""));
   const std::string data_source = items.Get("Data Source").value_or("");
   choice.data_source = data_source;
@@ -125,8 +123,11 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
         choice.kind = DriverChoice::kSqlite;
         choice.sqlite_path = data_source;
       } else {
+        // The provider's own keys for the credentials go to ODBC as UID and PWD.
         choice.kind = DriverChoice::kOdbc;
         choice.odbc_string = "DSN=" + data_source;
+        choice.user = items.Get("User ID").value_or("");
+        choice.password = items.Get("Password").value_or("");
       }
       return choice;
     }

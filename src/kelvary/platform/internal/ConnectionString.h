@@ -33,8 +33,8 @@ struct DriverChoice {
   enum Mode { kReadOnly, kReadWrite, kReadWriteCreate } mode = kReadWrite;
   std::string odbc_string;  // kOdbc: what to hand the ODBC driver manager
   std::string data_source;  // the name the string gave, for messages
-  std::string user;         // User ID / UID in the string, if any
-  std::string password;     // Password / PWD in the string, if any
+  std::string user;         // the shaping form's User ID, if any
+  std::string password;     // the shaping form's Password, if any
 };
 
 // ChooseDriver reads connection_string. Throws Error 3706 (provider not

@@ -99,7 +99,8 @@ class CriteriaParser {
     }
     if (IsWordChar(c)) {
       const size_t start = pos_;
-      while (pos_ < text_.size() && IsWordChar(text_[pos_])) ++pos_;
+      while (pos_ < text_.size() && IsWordChar(text_[pos_]))
+        ++pos_;
       if (text_[pos_ - 1] == '.' && pos_ < text_.size() && text_[pos_] == '[') {
         return ReadBracketedName();  // Table.[Column]: the fields carry the column's name
       }

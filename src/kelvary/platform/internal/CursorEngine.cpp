@@ -154,8 +154,12 @@ CursorEngine::~CursorEngine() = default;
 // ---- Opening and closing -------------------------------------------------
 
 void CursorEngine::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
-                        CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t) {
+                        CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options) {
   RequireClosed();
+  if (options == adCmdTable || options == adCmdTableDirect) {
+    Open("SELECT * FROM " + QuoteName(source), connection, cursor_type, lock_type, adCmdText);
+    return;
+  }
   if (!connection || connection->State() != adStateOpen) {
     throw Error(kErrConnectionUnusable,
                 "The connection cannot be used to perform this operation. It is either closed "

@@ -184,7 +184,8 @@ std::string RewriteDialect(std::string_view sql) {
       }
       const std::string_view word = sql.substr(i, end - i);
       size_t after = end;
-      while (after < sql.size() && std::isspace(static_cast<unsigned char>(sql[after]))) ++after;
+      while (after < sql.size() && std::isspace(static_cast<unsigned char>(sql[after])))
+        ++after;
       const bool qualified = i > 0 && sql[i - 1] == '.';
       if (word.size() == 6 && StartsWithNoCase(word, 0, "ISNULL") && !qualified &&
           after < sql.size() && sql[after] == '(') {
