@@ -21,6 +21,7 @@ TEST_F(RecordsetNavigation, EmptyResultIsAtBothEndsAndHasNoCurrentRecord) {
   EXPECT_TRUE(rs->Bof());
   EXPECT_TRUE(rs->Eof());
   EXPECT_EQ(rs->RecordCount(), 0);
+  EXPECT_EQ(rs->AbsolutePosition(), -1);
   EXPECT_EQ(rs->FieldCount(), 7);  // the columns are there without rows
   EXPECT_EQ(ErrorOf([&] { rs->MoveFirst(); }).Number(), kErrNoCurrentRecord);
   EXPECT_EQ(ErrorOf([&] { rs->MoveLast(); }).Number(), kErrNoCurrentRecord);

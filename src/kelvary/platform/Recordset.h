@@ -93,7 +93,7 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   bool Eof() const;
   int32_t RecordCount() const;
   // AbsolutePosition: 1-based position among the visible rows; -2 at BOF,
-  // -3 at EOF (an empty recordset is at EOF), -1 on a deleted row.
+  // -3 at EOF, -1 (unknown) when there are no rows or the row was deleted.
   int32_t AbsolutePosition() const;
   // Bookmark: an opaque value naming the current row; assigning it moves back.
   Variant Bookmark() const;

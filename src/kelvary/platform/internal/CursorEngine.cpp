@@ -322,8 +322,8 @@ int32_t CursorEngine::RecordCount() const {
 int32_t CursorEngine::AbsolutePosition() const {
   RequireOpen();
   constexpr int32_t kPosUnknown = -1, kPosBof = -2, kPosEof = -3;
-  if (on_deleted_) return kPosUnknown;
-  if (order_.empty() || pos_ >= static_cast<ptrdiff_t>(order_.size())) return kPosEof;
+  if (on_deleted_ || order_.empty()) return kPosUnknown;
+  if (pos_ >= static_cast<ptrdiff_t>(order_.size())) return kPosEof;
   if (pos_ < 0) return kPosBof;
   return static_cast<int32_t>(pos_ + 1);
 }
@@ -969,6 +969,14 @@ void CursorEngine::WriteInsert(uint32_t row) {
   std::vector<Variant> key_values;
   try {
     driver.Run(sql, params, 0);
+  } catch (const Error& e) {
+    MarkFailedFields(e);
+    RecordError(e);
+    throw;
+  }
+  // The row is written from here on: what follows must not fail the Update,
+  // or a second Update would insert it twice.
+  try {
     // The key of the new row: as set, or as the database generated it.
     for (size_t k = 0; k < base.key_names.size(); ++k) {
       const int32_t ordinal = base.key_ordinals[k];
@@ -983,10 +991,8 @@ void CursorEngine::WriteInsert(uint32_t row) {
       }
       key_values.push_back(std::move(value));
     }
-  } catch (const Error& e) {
-    MarkFailedFields(e);
-    RecordError(e);
-    throw;
+  } catch (const Error&) {
+    return;  // the key stays unknown; the row cannot be read back
   }
   Resync(row, key_values);
 }
