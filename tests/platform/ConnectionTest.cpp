@@ -106,9 +106,17 @@ TEST(Connection, ExecuteReportsRecordsAffectedAndReturnsRows) {
   EXPECT_EQ(rows->ActiveConnection(), c);
   EXPECT_EQ(ErrorOf([&] { rows->Delete(); }).Number(), kErrOperationNotSupported);
 
+  c->Execute("DELETE FROM patients WHERE ID = 6", -1);  // a value in second place: options
+  c->Execute("DELETE FROM patients WHERE ID = 5", adExecuteNoRecords);
+  const int32_t options = adCmdText;
+  c->Execute("DELETE FROM patients WHERE ID = 4", options);
+  c->Execute("DELETE FROM patients WHERE ID = 3", affected);  // a variable: the count
+  EXPECT_EQ(affected, 1);
+  c->Execute("INSERT INTO patients (ID, LastName) VALUES (3, 'Back')");
+
   auto table = std::make_shared<Recordset>();
   table->Open("patients", c, adOpenStatic, adLockReadOnly, adCmdTable);
-  EXPECT_EQ(table->RecordCount(), 6);
+  EXPECT_EQ(table->RecordCount(), 3);
 }
 
 TEST(Connection, TransactionsCommitOrRollBack) {

@@ -143,7 +143,7 @@ std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text,
 }
 
 std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text,
-                                               CommandOptionsEnum options) {
+                                               const int32_t& options) {
   int32_t ignored = 0;
   return Execute(command_text, ignored, options);
 }

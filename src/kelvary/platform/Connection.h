@@ -64,10 +64,11 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   // receives the number of rows changed (-1 for a SELECT).
   std::shared_ptr<Recordset> Execute(const std::string& command_text, int32_t& records_affected,
                                      int32_t options = adCmdUnspecified);
-  // (The options are an enumeration here so that Execute(sql, count), with
-  // an int32_t count, is never taken for options.)
+  // As in the classic call, a variable in second place receives the count
+  // (Execute(sql, count) takes the overload above) and a value is the
+  // options (Execute(sql, -1), Execute(sql, adExecuteNoRecords)).
   std::shared_ptr<Recordset> Execute(const std::string& command_text,
-                                     CommandOptionsEnum options = adCmdUnspecified);
+                                     const int32_t& options = adCmdUnspecified);
 
   // Transactions; nesting is not supported (BeginTrans returns level 1).
   int32_t BeginTrans();
