@@ -23,7 +23,10 @@
 // Navigation, Find, Filter and RecordCount then work on parent and children
 // alike; a chapter field's Value is the child Recordset (Variant::ObjectAs).
 // Rows loaded this way are read-only unless LoadOptions::write_mode says
-// otherwise (kMemory: edits change the rows in memory only).
+// otherwise: kMemory (edits change the rows in memory only), or kBaseTable
+// with the connection, for rows whose ColumnInfo still names their base
+// table and column as the driver reported them (the edits are then written
+// as for a plain SELECT). Load leaves the cursor on the first row.
 //
 // One thread uses an engine at a time; Field handles point into it and stay
 // valid until the recordset is closed or reopened.
@@ -199,7 +202,10 @@ class CursorEngine {
   size_t width_ = 0;
   std::vector<Variant> cells_;
   std::vector<uint8_t> deleted_;  // per row id
-  std::vector<uint32_t> order_;   // the visible rows
+  // The visible rows. Always in ascending row id (a Filter keeps storage
+  // order, AddNew appends the highest id), so a row's position is found by
+  // binary search; a Sort would have to give that up.
+  std::vector<uint32_t> order_;
   std::string filter_;
 
   // Position: an index into order_; -1 is BOF, order_.size() is EOF. After a
