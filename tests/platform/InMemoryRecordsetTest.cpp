@@ -103,5 +103,22 @@ TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
   EXPECT_EQ(ErrorOf([&] { rs->Engine().Load(RowSet(), {}); }).Number(), kErrObjectOpen);
 }
 
+TEST(InMemoryRecordset, RowsThatKeepTheirBaseColumnsCanWriteToTheTable) {
+  TestDatabase db;
+  db.Run(kPatients);
+  StatementResult result = db.Connection()->Driver().Run(
+      "SELECT ID, LastName FROM patients WHERE ID < ?", {Variant(int32_t{3})}, 0);
+  auto rs = std::make_shared<Recordset>();
+  rs->Engine().Load(std::move(result.rows),
+                    internal::LoadOptions{"part", db.Connection(), adLockOptimistic,
+                                          internal::WriteMode::kBaseTable});
+  rs->MoveLast();
+  rs->Fields("LastName").Value("Byrne");
+  rs->Update();
+  EXPECT_EQ(
+      db.Connection()->Execute("SELECT LastName FROM patients WHERE ID = 2")->Fields(0).Value(),
+      Variant("Byrne"));
+}
+
 }  // namespace
 }  // namespace kelvary::testing
