@@ -58,8 +58,8 @@ TEST_F(ConnectDefaultTest, OpensBothConnectionsFromDataSourceNamesAndBecomesActi
     EXPECT_EQ(none_main_, nullptr);
     // An empty direct string is the same as none.
     InfoLink second;
-    ASSERT_TRUE(second.ConnectDefault(none_main_, none_system_, main_db_.Path(),
-                                      system_db_.Path(), std::string()));
+    ASSERT_TRUE(second.ConnectDefault(none_main_, none_system_, main_db_.Path(), system_db_.Path(),
+                                      std::string()));
     EXPECT_EQ(second.AppDataXion()->ConnectionString(), Shaped(main_db_.Path()));
     EXPECT_EQ(ActiveInfoLink(), &second);
   }
@@ -119,8 +119,9 @@ TEST_F(ConnectDefaultTest, AFailedOpenReturnsFalseSilentlyAndKeepsWhatWasAssigne
 }
 
 TEST_F(ConnectDefaultTest, TerminationStampsTheSessionLogoutThroughTheMainConnection) {
-  main_db_.Run("INSERT INTO UserSessions (ID, UserID) VALUES (5, 1); "
-               "INSERT INTO UserSessions (ID, UserID) VALUES (6, 1)");
+  main_db_.Run(
+      "INSERT INTO UserSessions (ID, UserID) VALUES (5, 1); "
+      "INSERT INTO UserSessions (ID, UserID) VALUES (6, 1)");
   const Clock previous = SetClock([] { return DateTimeOf(2024, 3, 5, 18, 30, 0); });
   std::vector<std::string> history;
   {

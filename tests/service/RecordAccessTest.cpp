@@ -20,7 +20,7 @@ class RecordAccessTest : public ::testing::Test {
         "CREATE TABLE items (ID INTEGER PRIMARY KEY, Name VARCHAR(20), Qty INTEGER, "
         "Price DOUBLE, Done BOOLEAN, Seen DATE);"
         "INSERT INTO items VALUES (1, 'one', 1, 1.5, 0, '2024-03-05');"
-        "INSERT INTO items VALUES (2, 'two', NULL, NULL, NULL, NULL);");
+        "INSERT INTO items VALUES (2, NULL, NULL, NULL, NULL, NULL);");
     link_.AppDataXion(db_.Connection());
     link_.ConfigsXion(db_.Connection());
     link_.SetSQLHistoryObserver([this](LogFileEntryTypes code, const std::string& sql) {
@@ -46,8 +46,8 @@ TEST_F(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheReco
                                   adOpenForwardOnly, adLockReadOnly));
   EXPECT_EQ(rs->Fields("Name").Value(), Variant("one"));
   // The same recordset is reused: closed, then opened again.
-  EXPECT_FALSE(link_.FillRecordSet(pdssystem, rs, "Select * from items where ID = 99",
-                                   adOpenStatic, adLockReadOnly));
+  EXPECT_FALSE(link_.FillRecordSet(pdssystem, rs, "Select * from items where ID = 99", adOpenStatic,
+                                   adLockReadOnly));
   EXPECT_EQ(rs->State(), adStateOpen);
   EXPECT_TRUE(rs->Eof());
   EXPECT_TRUE(messages_.Texts().empty());
@@ -56,8 +56,8 @@ TEST_F(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheReco
 
 TEST_F(RecordAccessTest, FillRecordSetShowsItsFailures) {
   std::shared_ptr<Recordset> rs;
-  EXPECT_FALSE(link_.FillRecordSet(pdsRawData, rs, "Select * from items", adOpenStatic,
-                                   adLockReadOnly));
+  EXPECT_FALSE(
+      link_.FillRecordSet(pdsRawData, rs, "Select * from items", adOpenStatic, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 2u);
   EXPECT_EQ(messages_.Texts()[0], "No Raw Connection available");
   EXPECT_EQ(messages_.Texts()[1].rfind("Error while Loading Records :  with sql Select * from "
@@ -66,8 +66,8 @@ TEST_F(RecordAccessTest, FillRecordSetShowsItsFailures) {
             0u);
   messages_.Clear();
   link_.LogFileEntrySetting = lfetSelectSQL;
-  EXPECT_FALSE(link_.FillRecordSet(pdsmaindata, rs, "Select * from nowhere", adOpenStatic,
-                                   adLockReadOnly));
+  EXPECT_FALSE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from nowhere", adOpenStatic, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 1u);
   EXPECT_NE(messages_.Texts()[0].find("no such table: nowhere"), std::string::npos);
   EXPECT_TRUE(history_.empty());  // a failure is not passed to the history
@@ -75,14 +75,14 @@ TEST_F(RecordAccessTest, FillRecordSetShowsItsFailures) {
 
 TEST_F(RecordAccessTest, FillRecordSetDropsAPendingNewRowBeforeReopening) {
   std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic,
-                                  adLockOptimistic));
+  ASSERT_TRUE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
   rs->AddNew();
   rs->Fields("ID").Value(Variant(3));
   rs->Fields("Name").Value(Variant("three"));
   ASSERT_EQ(rs->EditMode(), adEditAdd);
-  EXPECT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic,
-                                  adLockOptimistic));
+  EXPECT_TRUE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
   EXPECT_EQ(rs->RecordCount(), 2);
   EXPECT_EQ(CountRows("ID = 3"), 0);
 }
@@ -94,16 +94,20 @@ TEST_F(RecordAccessTest, HistoryClassifiesStatementsByTheirFirstWord) {
     std::vector<std::pair<LogFileEntryTypes, std::string>> expected;
   };
   const std::vector<Case> cases = {
-      {lfetDeleteStmts, "  delete from items where ID = 99",
+      {lfetDeleteStmts,
+       "  delete from items where ID = 99",
        {{lfetDeleteStmts, "delete from items where ID = 99"}}},
       {lfetInsertStmts, "  delete from items where ID = 99", {}},
-      {lfetInsertStmts, "Insert into items (ID) values (10)",
+      {lfetInsertStmts,
+       "Insert into items (ID) values (10)",
        {{lfetInsertStmts, "Insert into items (ID) values (10)"}}},
-      {lfetUpdateSQL | lfetDeleteStmts, "UPDATE items set Qty = 2 where ID = 10",
+      {lfetUpdateSQL | lfetDeleteStmts,
+       "UPDATE items set Qty = 2 where ID = 10",
        {{lfetUpdateSQL, "UPDATE items set Qty = 2 where ID = 10"}}},
       // A statement of no known kind is passed on with code 0 whenever
       // anything is logged at all.
-      {lfetInsertStmts, "   CREATE TABLE extra (ID INTEGER)",
+      {lfetInsertStmts,
+       "   CREATE TABLE extra (ID INTEGER)",
        {{lfetNone, "CREATE TABLE extra (ID INTEGER)"}}},
       {lfetNone, "DROP TABLE extra", {}},
   };
@@ -125,8 +129,8 @@ TEST_F(RecordAccessTest, ExecuteSQLShowsItsFailuresAndStillReturnsTrue) {
             0u);
   EXPECT_NE(messages_.Texts()[0].find("no such table: nowhere"), std::string::npos);
   // The failure came before the statement was classified: the text is "".
-  EXPECT_EQ(history_, (std::vector<std::pair<LogFileEntryTypes, std::string>>{
-                          {lfetErrorMsgs, ""}}));
+  EXPECT_EQ(history_,
+            (std::vector<std::pair<LogFileEntryTypes, std::string>>{{lfetErrorMsgs, ""}}));
   messages_.Clear();
   history_.clear();
   link_.LogFileEntrySetting = lfetDeleteStmts;
@@ -157,8 +161,8 @@ TEST_F(RecordAccessTest, IsValidRecordNeedsAnOpenRecordsetOnARow) {
 
 TEST_F(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
   std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1",
-                                  adOpenStatic, adLockOptimistic));
+  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
+                                  adLockOptimistic));
   rs->Fields("Name").Value(Variant("changed"));
   link_.SafelyCloseRecordSet(rs);
   EXPECT_EQ(CountRows("Name = 'one'"), 1);
@@ -166,11 +170,12 @@ TEST_F(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
 
 TEST_F(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTheRest) {
   std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 2",
-                                  adOpenStatic, adLockOptimistic));
+  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 2", adOpenStatic,
+                                  adLockOptimistic));
   link_.RemoveNonNulls(rs);
-  EXPECT_EQ(rs->Fields("Qty").Value(), Variant(int16_t{0}));
-  EXPECT_EQ(rs->Fields("Price").Value(), Variant(int16_t{0}));
+  // The zero is stored in the field's own type.
+  EXPECT_EQ(rs->Fields("Qty").Value(), Variant(0));
+  EXPECT_EQ(rs->Fields("Price").Value(), Variant(0.0));
   EXPECT_EQ(rs->Fields("Done").Value(), Variant(false));
   EXPECT_TRUE(rs->Fields("Name").Value().IsNull());
   EXPECT_TRUE(rs->Fields("Seen").Value().IsNull());
@@ -179,18 +184,27 @@ TEST_F(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTh
 
 TEST_F(RecordAccessTest, AssignFieldValuesToAllRecsCommitsEachRowByMovingOn) {
   std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic,
-                                  adLockOptimistic));
+  ASSERT_TRUE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
   link_.AssignFieldValuesToAllRecs(rs, "Qty", Variant(7));
   EXPECT_TRUE(rs->Eof());
   EXPECT_EQ(CountRows("Qty = 7"), 2);
 }
 
-TEST_F(RecordAccessTest, InterpretRecordErrorStatusIsEmptyWhenEveryFieldIsFine) {
+TEST_F(RecordAccessTest, InterpretRecordErrorStatusNamesTheFieldsOfAFailedUpdate) {
   std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic,
-                                  adLockReadOnly));
+  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
+                                  adLockOptimistic));
   EXPECT_EQ(link_.InterpretRecordErrorStatus(pdsmaindata, nullptr, rs), "");
+  rs->Fields("Qty").Value(Variant(5));
+  db_.Connect()->Execute("Update items set Qty = 9 where ID = 1");  // another user got there first
+  try {
+    rs->Update();
+    FAIL() << "the changed row should conflict";
+  } catch (const Error& e) {
+    EXPECT_EQ(link_.InterpretRecordErrorStatus(pdsmaindata, &e, rs),
+              "\r\nOffending Fields Qty ( 8 ) ");
+  }
 }
 
 }  // namespace

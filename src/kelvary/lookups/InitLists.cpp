@@ -45,7 +45,8 @@ void IgnoringErrors(F&& step) {
 }  // namespace
 
 void InfoLink::InitLists(bool bFSLnx, bool bMSlcts) {
-  if (bFSLnx) FillRecordSet(pdssystem, search_links_, kSearchLinksSql, adOpenDynamic, adLockReadOnly);
+  if (bFSLnx)
+    FillRecordSet(pdssystem, search_links_, kSearchLinksSql, adOpenDynamic, adLockReadOnly);
   if (bMSlcts) {
     FillRecordSet(pdssystem, multi_selects_, kMultiSelectsSql, adOpenDynamic, adLockReadOnly);
   }

@@ -35,10 +35,14 @@ void Guarded(F&& step) noexcept {
 
 }  // namespace
 
-InfoLink* ActiveInfoLink() { return active_info_link; }
+InfoLink* ActiveInfoLink() {
+  return active_info_link;
+}
 
 namespace internal {
-void SetActiveInfoLink(InfoLink* link) { active_info_link = link; }
+void SetActiveInfoLink(InfoLink* link) {
+  active_info_link = link;
+}
 }  // namespace internal
 
 InfoLink::InfoLink() = default;
@@ -48,7 +52,8 @@ InfoLink::~InfoLink() {
   Guarded([&] { SafelyCloseRecordSet(multi_selects_); });
   Guarded([&] {
     if (table_keys_) {
-      while (table_keys_->Count() >= 1) table_keys_->Remove(1);
+      while (table_keys_->Count() >= 1)
+        table_keys_->Remove(1);
     }
   });
   table_keys_.reset();

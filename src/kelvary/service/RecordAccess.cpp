@@ -32,7 +32,8 @@ std::string LeftTrimBlanks(const std::string& text) {
 
 std::string UpperPrefix(const std::string& text, size_t length) {
   std::string prefix = text.substr(0, length);
-  for (char& c : prefix) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  for (char& c : prefix)
+    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return prefix;
 }
 
