@@ -2,6 +2,9 @@
 // integer key, two texts, a date, a double and a nullable integer, read in
 // full and every value touched. Side by side:
 //   DriverRun   our ODBC driver (DriverConnection::Run), values as Variants
+//   Recordset   the same through Connection (the application's connection
+//               string naming the data source) and a Recordset walked with
+//               MoveNext and Fields(i).Value()
 //   PlainOdbc   a plain ODBC loop over the same driver: bound columns, block
 //               fetch of 1,000 rows, typed C values
 //   Libpq       PostgreSQL's own client library (PQexec, text values parsed),
@@ -26,7 +29,9 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/drivers/odbc/OdbcDriver.h"
 #endif
 #ifdef KELVARY_HAVE_LIBPQ
@@ -104,6 +109,37 @@ void BM_DriverRun(benchmark::State& state) {
         totals.ids += *visits.Get<int32_t>();
       }
     }
+    benchmark::DoNotOptimize(totals);
+  }
+  state.counters["rows"] = static_cast<double>(kRows);
+  state.counters["check"] = static_cast<double>(totals.ids + totals.text_bytes + totals.years);
+}
+
+void BM_Recordset(benchmark::State& state) {
+  auto connection = std::make_shared<kelvary::Connection>();
+  connection->CursorLocation(kelvary::adUseClient);
+  connection->Open("Provider=MSDataShape.1;Persist Security Info=False;Data Source=" +
+                   Env("KELVARY_TEST_ODBC_DSN") + ";Data Provider=MSDASQL");
+  Totals totals;
+  for (auto _ : state) {
+    totals = Totals{};
+    auto rs = std::make_shared<kelvary::Recordset>();
+    rs->Open(kSelect, connection, kelvary::adOpenStatic, kelvary::adLockReadOnly);
+    while (!rs->Eof()) {
+      totals.ids += *rs->Fields(0).Value().Get<int32_t>();
+      totals.text_bytes += static_cast<int64_t>(rs->Fields(1).Value().Get<std::string>()->size() +
+                                                rs->Fields(2).Value().Get<std::string>()->size());
+      totals.years += kelvary::Year(*rs->Fields(3).Value().Get<kelvary::Date>());
+      totals.balance += *rs->Fields(4).Value().Get<double>();
+      const kelvary::Variant& visits = rs->Fields(5).Value();
+      if (visits.IsNull()) {
+        ++totals.nulls;
+      } else {
+        totals.ids += *visits.Get<int32_t>();
+      }
+      rs->MoveNext();
+    }
+    rs->Close();
     benchmark::DoNotOptimize(totals);
   }
   state.counters["rows"] = static_cast<double>(kRows);
@@ -296,15 +332,20 @@ class RatioReporter : public benchmark::ConsoleReporter {
       return found == seconds_.end() ? 0.0 : found->second;
     };
     const double ours = time("BM_DriverRun");
+    const double recordset = time("BM_Recordset");
     const double plain = time("BM_PlainOdbc");
     const double libpq = time("BM_Libpq");
     const double native = time("BM_LibpqVariants");
     std::printf("\n%d-row walk, best seconds per walk:\n", kRows);
     std::printf("  our ODBC driver (Run)    %.4f\n", ours);
+    if (recordset > 0) std::printf("  through Recordset        %.4f\n", recordset);
     std::printf("  plain ODBC loop          %.4f\n", plain);
     if (libpq > 0) std::printf("  libpq                    %.4f\n", libpq);
     if (native > 0) std::printf("  libpq into Variants      %.4f  (a native driver)\n", native);
     if (ours > 0 && plain > 0) std::printf("  ours / plain ODBC        %.2fx\n", ours / plain);
+    if (recordset > 0 && plain > 0) {
+      std::printf("  Recordset / plain ODBC   %.2fx\n", recordset / plain);
+    }
     if (libpq > 0 && plain > 0) std::printf("  plain ODBC / libpq       %.2fx\n", plain / libpq);
     if (libpq > 0 && ours > 0) std::printf("  ours / libpq             %.2fx\n", ours / libpq);
     if (native > 0 && ours > 0) std::printf("  ours / native driver     %.2fx\n", ours / native);
@@ -339,6 +380,9 @@ int main(int argc, char** argv) {
   }
   constexpr int kRepetitions = 5;
   benchmark::RegisterBenchmark("BM_DriverRun", BM_DriverRun)
+      ->Unit(benchmark::kMillisecond)
+      ->Repetitions(kRepetitions);
+  benchmark::RegisterBenchmark("BM_Recordset", BM_Recordset)
       ->Unit(benchmark::kMillisecond)
       ->Repetitions(kRepetitions);
   benchmark::RegisterBenchmark("BM_PlainOdbc", BM_PlainOdbc)
