@@ -173,6 +173,20 @@ TEST_F(OdbcRecordset, ChangesAreWrittenBackToTheServer) {
   EXPECT_EQ(CDbl(Stored("SELECT balance FROM " + patients_ + " WHERE id = 4")), 1.0);
 }
 
+TEST_F(OdbcRecordset, CommandTimeoutIsTheServersLockWait) {
+  const auto lock_timeout = [](Connection& c) {
+    auto rs = c.Execute("SHOW lock_timeout");
+    return rs->Fields(0).Value();
+  };
+  EXPECT_EQ(lock_timeout(*connection_), Variant("30s"));  // the default, set at open
+  connection_->CommandTimeout(0);
+  EXPECT_EQ(lock_timeout(*connection_), Variant("0"));  // wait as long as it takes
+  auto early = std::make_shared<Connection>();
+  early->CommandTimeout(5);
+  early->Open(ShapingString(Dsn()));
+  EXPECT_EQ(lock_timeout(*early), Variant("5s"));
+}
+
 TEST_F(OdbcRecordset, ConnectionTransactionsReachTheServer) {
   connection_->BeginTrans();
   connection_->Execute("DELETE FROM " + patients_);
