@@ -6,12 +6,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
+#include "kelvary/platform/SqlScript.h"
 
 namespace kelvary::testing {
 namespace {
@@ -185,6 +188,33 @@ TEST_F(OdbcRecordset, CommandTimeoutIsTheServersLockWait) {
   early->CommandTimeout(5);
   early->Open(ShapingString(Dsn()));
   EXPECT_EQ(lock_timeout(*early), Variant("5s"));
+}
+
+TEST_F(OdbcRecordset, TheApplicationSchemasLoadAndServeTheSystemsFieldNames) {
+  const std::string schema = Schema("app");
+  connection_->Execute("CREATE SCHEMA " + schema);
+  connection_->Execute("SET search_path TO " + schema);
+  for (const char* file : {"main_schema.sql", "system_schema.sql"}) {
+    std::ifstream in(std::string(KELVARY_DATA_DIR) + "/" + file);
+    ASSERT_TRUE(in) << file;
+    std::stringstream sql;
+    sql << in.rdbuf();
+    ExecuteScript(*connection_, sql.str());
+  }
+  // The server folds the system's mixed-case names to lower case; fields are
+  // found by name without regard to case, so the system's names still work.
+  auto rs = Open("SELECT * FROM patients WHERE ID = 0", adLockOptimistic);
+  EXPECT_EQ(rs->Fields("ID").Name(), "id");
+  rs->AddNew();
+  rs->Fields("ID").Value(int32_t{1});
+  rs->Fields("LastName").Value("Müller");
+  rs->Fields("DOB").Value(DateSerial(1970, 1, 31));
+  rs->Update();
+  EXPECT_EQ(rs->Fields("RecordStatus").Value(), Variant(int32_t{0}));  // the default, read back
+  EXPECT_EQ(rs->Fields("Insured").Value(), Variant(false));
+  auto check = Open("SELECT LastName, DOB FROM patients WHERE ID = 1");
+  EXPECT_EQ(check->Fields("LastName").Value(), Variant("Müller"));
+  EXPECT_EQ(check->Fields("DOB").Value(), Variant(DateSerial(1970, 1, 31)));
 }
 
 TEST_F(OdbcRecordset, ConnectionTransactionsReachTheServer) {

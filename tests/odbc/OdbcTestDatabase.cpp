@@ -10,6 +10,20 @@
 #include "kelvary/platform/drivers/odbc/OdbcDriver.h"
 
 namespace kelvary::testing {
+namespace {
+
+// A name of at most 63 characters (the longest PostgreSQL keeps) that no
+// other test or process uses.
+std::string UniqueName(const std::string& stem) {
+  const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
+  const std::string pid = std::to_string(::getpid());
+  std::string name = "kt_" + stem + "_" + info->name();
+  for (char& c : name)
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return name.substr(0, 62 - pid.size()) + "_" + pid;
+}
+
+}  // namespace
 
 void OdbcTest::SetUp() {
   dsn_ = EnvOr("KELVARY_TEST_ODBC_DSN");
@@ -19,24 +33,31 @@ void OdbcTest::SetUp() {
 
 void OdbcTest::TearDown() {
   if (!db_) return;
-  for (auto it = tables_.rbegin(); it != tables_.rend(); ++it) {
+  const auto drop = [&](const std::string& sql) {
     try {
-      db_->Run("DROP TABLE IF EXISTS " + *it, {}, 0);
+      db_->Run(sql, {}, 0);
     } catch (const Error& e) {
-      ADD_FAILURE() << "could not drop " << *it << ": " << e.Description();
+      ADD_FAILURE() << sql << ": " << e.Description();
     }
-  }
+  };
+  for (auto it = tables_.rbegin(); it != tables_.rend(); ++it)
+    drop("DROP TABLE IF EXISTS " + *it);
+  for (const std::string& schema : schemas_)
+    drop("DROP SCHEMA IF EXISTS " + schema + " CASCADE");
   db_->Close();
 }
 
 std::string OdbcTest::Table(const std::string& stem) {
-  const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
-  std::string name = "kt_" + stem + "_" + info->name() + "_" + std::to_string(::getpid());
-  for (char& c : name)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  if (name.size() > 60) name = name.substr(0, 45) + "_" + std::to_string(::getpid());
+  std::string name = UniqueName(stem);
   tables_.push_back(name);
   db_->Run("DROP TABLE IF EXISTS " + name, {}, 0);
+  return name;
+}
+
+std::string OdbcTest::Schema(const std::string& stem) {
+  std::string name = UniqueName(stem);
+  schemas_.push_back(name);
+  db_->Run("DROP SCHEMA IF EXISTS " + name + " CASCADE", {}, 0);
   return name;
 }
 

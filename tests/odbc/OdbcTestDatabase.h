@@ -6,8 +6,8 @@
 //   KELVARY_TEST_ODBC_USER, KELVARY_TEST_ODBC_PASSWORD   for that string
 //
 // Test processes may run in parallel against one database, so every table a
-// test makes is named after the test and the process (Table("t")), and is
-// dropped when the fixture goes.
+// test makes is named after the test and the process (Table("t"), Schema),
+// and is dropped when the fixture goes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -42,6 +42,9 @@ class OdbcTest : public ::testing::Test {
   DriverConnection& Db() { return *db_; }
   // Table: a name for a table of this test, registered to be dropped.
   std::string Table(const std::string& stem);
+  // Schema: a name for a schema of this test, registered to be dropped with
+  // everything in it.
+  std::string Schema(const std::string& stem);
   // Exec runs a statement without parameters and returns its result.
   StatementResult Exec(const std::string& sql, const std::vector<Variant>& params = {});
   std::unique_ptr<DriverConnection> OpenSecond();
@@ -50,6 +53,7 @@ class OdbcTest : public ::testing::Test {
   std::string dsn_;
   std::unique_ptr<DriverConnection> db_;
   std::vector<std::string> tables_;
+  std::vector<std::string> schemas_;
 };
 
 #endif
