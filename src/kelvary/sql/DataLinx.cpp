@@ -15,7 +15,7 @@ enum class ClauseGroup {
   kBoolean,
   kQuotedEquality,
   kRefused,        // "Unhandled"
-  kRefusedOthers,  // "unhandled": the rest, including every later type
+  kRefusedOthers,  // "unhandled": the rest, every later type and negative numbers too
 };
 
 ClauseGroup GroupOf(FieldDataTypes type) {
@@ -134,6 +134,8 @@ std::string TextClause(const std::string& f, CompareTypes compare_type, const Va
                        const Variant& v2, bool reverse, bool use_xtal, bool& negatable) {
   InfoLink& link = RequireActiveInfoLink();
   const std::string q1 = link.GetInvertedCommaSafeString(CStr(v1));
+  // As for numbers, Between asks for no operator text (and so shows no
+  // message); sounds-like does, and then says so again below.
   const std::string op = compare_type == cmpBetween ? "" : OperatorText(compare_type);
   const std::string w = use_xtal ? "*" : "%";
   switch (compare_type) {
