@@ -23,6 +23,7 @@ enum ErrorNumbers : int32_t {
   kErrObjectVariableNotSet = 91,
   kErrInvalidUseOfNull = 94,
   kErrObjectRequired = 424,
+  kErrObjectDoesntSupportMember = 438,  // an object used where its value is needed
   kErrKeyAlreadyAssociated = 457,
   // Data-access errors (the classic cursor library's numbers).
   kErrProviderFailure = 3000,      // the provider or driver reported a failure
