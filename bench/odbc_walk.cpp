@@ -413,7 +413,13 @@ int main(int argc, char** argv) {
         ->Repetitions(kRepetitions);
   }
 #endif
-  benchmark::Initialize(&argc, argv);
+  // Repetitions of the benchmarks are interleaved, so that a busy spell on a
+  // shared machine does not fall on one of them alone.
+  std::vector<char*> args(argv, argv + argc);
+  std::string interleave = "--benchmark_enable_random_interleaving=true";
+  args.insert(args.begin() + 1, interleave.data());
+  int arg_count = static_cast<int>(args.size());
+  benchmark::Initialize(&arg_count, args.data());
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.PrintRatios();
