@@ -44,10 +44,12 @@ class LookupsTest : public ::testing::Test {
   TestDatabase system_{"system.db"};
   TestDatabase main_{"main.db"};
   MessageRecorder messages_;
-  InfoLink link_;
 
  private:
-  std::vector<std::string> selects_;
+  std::vector<std::string> selects_;  // outlives the link, which records until it ends
+
+ protected:
+  InfoLink link_;
 };
 
 }  // namespace kelvary::testing
