@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "LookupsFixture.h"
 
 namespace kelvary::testing {
@@ -10,7 +8,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
 using ListFillingTest = LookupsTest;
@@ -18,22 +15,17 @@ using ListFillingTest = LookupsTest;
 TEST_F(ListFillingTest, OptionsOfALinkGoInTheFormTheControlTakes) {
   RecordingListControl standard(true);
   standard.Tag("ready");
-  link_.FillComboWithOptions(standard, 10);
-  EXPECT_EQ(Selects().back(), "Select  Description , ID from Cities  Order by  Description");
+  link_.FillComboWithOptions(standard, 31);
+  EXPECT_EQ(Selects().back(), "Select  Description , ID from Drugs  Order by  Description");
   EXPECT_THAT(standard.Calls(),
-              ElementsAre("Tag=ready", "Tag=P", "Clear", "AddItem(Eastbank)", "ItemData(0)=5",
-                          "AddItem(Harbour)", "ItemData(1)=2", "AddItem(North Westfield)",
-                          "ItemData(2)=3", "AddItem(Old Town)", "ItemData(3)=4",
-                          "AddItem(Westfield)", "ItemData(4)=1", "Tag=ready"));
-
+              ElementsAre("Tag=ready", "Tag=P", "Clear", "AddItem(Aspirin)", "ItemData(0)=12",
+                          "AddItem(Ibuprofen)", "ItemData(1)=15", "Tag=ready"));
   RecordingListControl other;
   link_.FillComboWithOptions(other, 31);
   EXPECT_THAT(other.Calls(), ElementsAre("Tag=P", "Clear", "AddItem(Aspirin,12)",
                                          "AddItem(Ibuprofen,15)", "Tag="));
-  EXPECT_TRUE(Messages().empty());
-}
 
-TEST_F(ListFillingTest, OptionsOfAMultiSelectValueAreTheParentsHoldingIt) {
+  // A multi-select value lists the parents that hold it.
   Config(
       "INSERT INTO DataTables (ID, ValuesTable) VALUES (8, 'CityAlerts');"
       "INSERT INTO MultiSelects VALUES (5, 10, 30, 8)");
@@ -41,40 +33,34 @@ TEST_F(ListFillingTest, OptionsOfAMultiSelectValueAreTheParentsHoldingIt) {
       "CREATE TABLE CityAlerts (ID INTEGER PRIMARY KEY, SourceID INTEGER, ValueID INTEGER);"
       "INSERT INTO CityAlerts VALUES (1, 1, 12), (2, 5, 12), (3, 2, 13)");
   Reload();
-  RecordingListControl list;
-  link_.FillComboWithOptions(list, -5000012);
-  EXPECT_THAT(list.ItemTexts(), UnorderedElementsAre("Westfield", "Eastbank"));
-  EXPECT_EQ(list.Tag(), "");
+  link_.FillComboWithOptions(other, -5000012);
+  EXPECT_THAT(other.ItemTexts(), UnorderedElementsAre("Westfield", "Eastbank"));
   EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(ListFillingTest, AnUnresolvableLinkIsReportedAndLeavesTheTagAtP) {
   AddSearchLink(60, 0, "Description", "NULL", "NULL");  // neither table nor statement
+  AddSearchLink(61, 0, "Description", "'Select Description, ID from Wards'", "NULL");
   Reload();
   RecordingListControl list(false, "Allergy box");
   list.AddItem("stale", Variant(1));
   list.Tag("ready");
   link_.FillComboWithOptions(list, 60);
   EXPECT_EQ(list.Tag(), "P");
-  EXPECT_THAT(list.Items(), IsEmpty());
+  EXPECT_EQ(list.ListCount(), 0);
   link_.FillComboWithOptions(list, 99);
   EXPECT_EQ(list.Tag(), "P");
   EXPECT_THAT(Messages(),
               ElementsAre("Error in search Link 60 for control Allergy box", "Problem in FillID 99",
                           "Error in search Link 99 for control Allergy box"));
   messages_.Clear();
-
-  // A statement that fails to open leaves the list empty and the Tag
-  // restored; only the loading error is shown.
-  AddSearchLink(61, 0, "Description", "'Select Description, ID from Wards'", "NULL");
-  Reload();
+  // A statement that fails to open: empty list, Tag restored, only the
+  // loading error is shown.
   list.Tag("ready");
   link_.FillComboWithOptions(list, 61);
   EXPECT_EQ(list.Tag(), "ready");
-  EXPECT_THAT(list.Items(), IsEmpty());
   ASSERT_EQ(Messages().size(), 1u);
-  EXPECT_THAT(Messages()[0], HasSubstr("Error while Loading Records :  with sql Select "
-                                       "Description, ID from Wards"));
+  EXPECT_THAT(Messages()[0], HasSubstr(":  with sql Select Description, ID from Wards"));
 }
 
 TEST_F(ListFillingTest, StatementsCanBeAppendedToOneListAndTheFirstSelected) {
@@ -89,35 +75,24 @@ TEST_F(ListFillingTest, StatementsCanBeAppendedToOneListAndTheFirstSelected) {
   EXPECT_EQ(list.ItemData(4), 15);
   EXPECT_EQ(list.SelectedIndex(), 0);
   EXPECT_EQ(list.Tag(), "t");
-
   // Without bDontClear the list starts again; no rows, no selection.
   link_.FillComboWithSQL(list, pdsmaindata, "Select Description, ID from Drugs where ID > 99",
                          "Description", "ID", true, false);
-  EXPECT_THAT(list.Items(), IsEmpty());
-  EXPECT_EQ(list.Calls().back(), "Tag=t");
-  EXPECT_EQ(std::count(list.Calls().begin(), list.Calls().end(), "ListIndex=0"), 1);
-  EXPECT_TRUE(Messages().empty());
+  EXPECT_EQ(list.ListCount(), 0);
+  EXPECT_EQ(list.SelectedIndex(), -1);
 }
 
 TEST_F(ListFillingTest, RecordsFromTheCallerAlwaysLeaveTheTagEmpty) {
   std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from Drugs order by ID", adOpenStatic,
-                                  adLockReadOnly));
+  link_.FillRecordSet(pdsmaindata, rs, "Select * from Drugs order by ID", adOpenStatic,
+                      adLockReadOnly);
   rs->MoveLast();
   RecordingListControl list(true);
   list.Tag("keep me");
   link_.AddRecsToCombo(rs, "Description", "ID", list);
   EXPECT_THAT(list.Calls(), ElementsAre("Tag=keep me", "Tag=P", "Clear", "AddItem(Aspirin,12)",
                                         "AddItem(Ibuprofen,15)", "Tag="));
-  EXPECT_EQ(rs->State(), adStateOpen);
-  EXPECT_TRUE(rs->Eof());
-
-  ASSERT_FALSE(link_.FillRecordSet(pdsmaindata, rs, "Select * from Drugs where ID < 0",
-                                   adOpenStatic, adLockReadOnly));
-  list.Tag("again");
-  link_.AddRecsToCombo(rs, "Description", "ID", list);
-  EXPECT_THAT(list.Items(), IsEmpty());
-  EXPECT_EQ(list.Tag(), "");
+  EXPECT_TRUE(rs->Eof());  // still open, at its end
 }
 
 TEST_F(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
@@ -129,25 +104,16 @@ TEST_F(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
   EXPECT_EQ(Selects().back(),
             "Select Description ,ID ,ParentID from Cities where ( ID > 0 ) and ( ParentID > 0)  "
             "order by description ");
-  // Old Town (under North Westfield) is a grandchild.
+  // Old Town sits under North Westfield: a grandchild.
   EXPECT_THAT(list.ItemTexts(),
               ElementsAre("Harbour", "--- > Eastbank", "Westfield", "--- > North Westfield"));
   EXPECT_EQ(list.Items()[1].value, Variant(int32_t{5}));
 
-  // A longer filter applies to both levels.
   link_.RefreshHierarchicalList(pdsmaindata, list, "Description", "ID", "Cities",
                                 "Description <> 'Eastbank'");
-  EXPECT_EQ(
-      Selects().back(),
-      "Select Description ,ID ,ParentID from Cities where ( ID > 0 ) and ( ParentID > 0)  and "
-      "( Description <> 'Eastbank' )  order by description ");
+  EXPECT_THAT(Selects().back(), HasSubstr("( ParentID > 0)  and ( Description <> 'Eastbank' )  "
+                                          "order by description "));
   EXPECT_THAT(list.ItemTexts(), ElementsAre("Harbour", "Westfield", "--- > North Westfield"));
-
-  // No top-level rows: the list is cleared and the children are not asked.
-  const size_t before = Selects().size();
-  link_.RefreshHierarchicalList(pdsmaindata, list, "Description", "ID", "Cities", "ID > 90");
-  EXPECT_THAT(list.Items(), IsEmpty());
-  EXPECT_EQ(Selects().size(), before + 1);
   EXPECT_TRUE(Messages().empty());
 }
 
@@ -166,7 +132,6 @@ TEST_F(ListFillingTest, DataFormatsOfAUsageIncludeThoseForEveryUsage) {
   EXPECT_THAT(list.ItemTexts(), UnorderedElementsAre("Text", "Number"));
   link_.FillComboWithValidDataTypes(list, 6);
   EXPECT_THAT(list.ItemTexts(), UnorderedElementsAre("Text", "Date"));
-  EXPECT_EQ(list.SelectedIndex(), -1);
 }
 
 }  // namespace
