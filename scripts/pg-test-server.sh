@@ -99,6 +99,7 @@ fsync = off
 synchronous_commit = off
 full_page_writes = off
 max_connections = 120
+autovacuum = off
 EOF
 
   tries=0

@@ -45,19 +45,6 @@ inline std::string Ids(Recordset& rs, const char* field = "ID") {
   return ids;
 }
 
-// Rows: every row of sql, its values as text (Null as "") joined by '|',
-// the rows joined by ','.
-inline std::string Rows(const std::shared_ptr<Connection>& connection, const std::string& sql) {
-  auto rs = OpenRecordset(connection, sql);
-  std::string text;
-  for (bool first_row = true; !rs->Eof(); rs->MoveNext(), first_row = false) {
-    if (!first_row) text += ",";
-    for (int32_t c = 0; c < rs->FieldCount(); ++c)
-      text += (c == 0 ? "" : "|") + TextOf(rs->Fields(c).Value());
-  }
-  return text;
-}
-
 // A small practice: six patients, some related to a parent. DOB holds a
 // time of day for patient 5.
 inline std::string PatientsSql(const BackendTraits& traits = {}) {

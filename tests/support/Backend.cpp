@@ -90,6 +90,18 @@ std::string BackendTraits::AsText(const std::string& expression) const {
   return "CAST(" + expression + " AS text)";
 }
 
+std::string Rows(const std::shared_ptr<kelvary::Connection>& connection, const std::string& sql) {
+  auto rs = std::make_shared<Recordset>();
+  rs->Open(sql, connection, adOpenStatic, adLockReadOnly);
+  std::string text;
+  for (bool first_row = true; !rs->Eof(); rs->MoveNext(), first_row = false) {
+    if (!first_row) text += ",";
+    for (int32_t c = 0; c < rs->FieldCount(); ++c)
+      text += (c == 0 ? "" : "|") + TextOf(rs->Fields(c).Value());
+  }
+  return text;
+}
+
 // --- databases ----------------------------------------------------------------
 
 class BackendDatabase::Impl {
@@ -203,7 +215,7 @@ class PgPool {
         }
         held_.insert(slot);
         try {
-          control_->Run("DROP DATABASE IF EXISTS " + DatabaseName(slot) + " WITH (FORCE)", {}, 0);
+          control_->Run("DROP DATABASE IF EXISTS " + DatabaseName(slot), {}, 0);
           control_->Run("CREATE DATABASE " + DatabaseName(slot) + " TEMPLATE template0", {}, 0);
         } catch (...) {
           Release(slot);

@@ -134,6 +134,10 @@ class Backend {
   virtual std::string MissingDataSource() const = 0;
 };
 
+// Rows: every row sql reads on connection, its values as text (TextOf,
+// so Null is "") joined by '|', the rows joined by ','.
+std::string Rows(const std::shared_ptr<kelvary::Connection>& connection, const std::string& sql);
+
 // Backends: every backend, the embedded default first.
 const std::vector<const Backend*>& Backends();
 
