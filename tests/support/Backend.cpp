@@ -46,6 +46,17 @@ std::string ReadSqlFile(const std::string& file) {
   return text.str();
 }
 
+// Filled: text with every {table} and {column} replaced.
+std::string Filled(std::string text, const std::string& table, const std::string& column) {
+  for (const auto& [marker, name] :
+       {std::pair<std::string, const std::string&>{"{table}", table}, {"{column}", column}}) {
+    for (size_t at = text.find(marker); at != std::string::npos;
+         at = text.find(marker, at + name.size()))
+      text.replace(at, marker.size(), name);
+  }
+  return text;
+}
+
 std::shared_ptr<kelvary::Connection> OpenClient(const std::string& connection_string) {
   auto connection = std::make_shared<kelvary::Connection>();
   connection->CursorLocation(adUseClient);
@@ -66,28 +77,16 @@ Variant BackendTraits::Count(int64_t n) const {
 }
 
 std::string BackendTraits::MissingTable(const std::string& table) const {
-  if (lower_case_names) return "relation \"" + Lowered(table) + "\" does not exist";
-  return "no such table: " + table;
+  return Filled(missing_table_text, Name(table), "");
 }
 
 std::string BackendTraits::NotNullFailed(const std::string& table,
                                          const std::string& column) const {
-  if (lower_case_names) {
-    return "null value in column \"" + Lowered(column) + "\" of relation \"" + Lowered(table) +
-           "\" violates not-null constraint";
-  }
-  return "NOT NULL constraint failed: " + table + "." + column;
+  return Filled(not_null_text, Name(table), Name(column));
 }
 
 std::string BackendTraits::SyncAutoKey(const std::string& table, const std::string& column) const {
-  if (auto_key.rfind("SERIAL", 0) != 0) return "";
-  return "SELECT setval(pg_get_serial_sequence('" + Lowered(table) + "', '" + Lowered(column) +
-         "'), (SELECT max(" + column + ") FROM " + table + "))";
-}
-
-std::string BackendTraits::AsText(const std::string& expression) const {
-  if (loose_types) return expression;
-  return "CAST(" + expression + " AS text)";
+  return Filled(sync_auto_key_sql, Name(table), Name(column));
 }
 
 std::string Rows(const std::shared_ptr<kelvary::Connection>& connection, const std::string& sql) {
@@ -334,7 +333,14 @@ class PostgresBackend : public Backend {
                         .loose_types = false,
                         .auto_key = "SERIAL PRIMARY KEY",
                         .datetime_type = "TIMESTAMP",
-                        .count_type = adBigInt};
+                        .count_type = adBigInt,
+                        .missing_table_text = "relation \"{table}\" does not exist",
+                        .not_null_text =
+                            "null value in column \"{column}\" of relation "
+                            "\"{table}\" violates not-null constraint",
+                        .sync_auto_key_sql =
+                            "SELECT setval(pg_get_serial_sequence('{table}', '{column}'), "
+                            "(SELECT max({column}) FROM {table}))"};
 };
 
 }  // namespace

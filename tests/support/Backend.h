@@ -25,9 +25,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -72,21 +71,24 @@ struct BackendTraits {
   std::string datetime_type = "DATE";
   // CountType: the type COUNT(*) and other whole-number aggregates read as.
   DataTypeEnum count_type = adInteger;
+  // Texts with {table} and {column} standing for names as the database
+  // reports them (Name): the error of a missing table, that of a NULL
+  // written to a NOT NULL column, and the statement that moves an AutoKey
+  // column's generator past the keys inserted by hand ("" when the database
+  // does so itself).
+  std::string missing_table_text = "no such table: {table}";
+  std::string not_null_text = "NOT NULL constraint failed: {table}.{column}";
+  std::string sync_auto_key_sql = "";
 
   // Name: a column or table name as the database reports it back.
   std::string Name(std::string_view written) const;
   // Count: n as COUNT(*) reads back.
   Variant Count(int64_t n) const;
-  // MissingTable: the part of the error text that names a missing table.
+  // MissingTable, NotNullFailed, SyncAutoKey: the texts above for a table
+  // and column.
   std::string MissingTable(const std::string& table) const;
-  // NotNullFailed: the error text of a NULL written to a NOT NULL column.
   std::string NotNullFailed(const std::string& table, const std::string& column) const;
-  // SyncAutoKey: the statement that makes the next generated key of an
-  // AutoKey column follow the keys inserted by hand ("" when the database
-  // does so itself).
   std::string SyncAutoKey(const std::string& table, const std::string& column) const;
-  // AsText: SQL of the text form of a number or date expression.
-  std::string AsText(const std::string& expression) const;
 };
 
 // BackendDatabase: one empty database of a backend, for one test. Run and
@@ -114,9 +116,6 @@ class BackendDatabase {
   std::string ConnectionString() const;
   // ShapeConnectionString: the string ConnectDefault builds from DataSource.
   std::string ShapeConnectionString() const;
-
-  // Holds: whether a database is held.
-  explicit operator bool() const { return impl_ != nullptr; }
 
  private:
   std::unique_ptr<Impl> impl_;
