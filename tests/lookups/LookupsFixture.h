@@ -1,11 +1,11 @@
 // LookupsTest: a configuration database and a practice database of the
-// backend under test, built from data/ plus a small practice: cities (three levels
-// deep), patients, allergies and drugs, the search links over them and two
-// multi-selects of patients (3: allergies, 7: drugs). The InfoLink, set to
-// the backend's dialect, is connected through ConnectDefault, so the caches
-// are loaded and it is the ActiveInfoLink. A test adds its own rows, then calls Reload when it
-// changed the configuration. Every statement FillRecordSet opens is
-// recorded in Selects().
+// backend under test, built from data/ plus a small practice: cities (three
+// levels deep), patients, allergies and drugs, the search links over them and
+// two multi-selects of patients (3: allergies, 7: drugs). The InfoLink, set
+// to the backend's dialect, is connected through ConnectDefault, so the
+// caches are loaded and it is the ActiveInfoLink. A test adds its own rows,
+// then calls Reload when it changed the configuration. Every statement
+// FillRecordSet opens is recorded in Selects().
 #pragma once
 
 #include <gtest/gtest.h>
