@@ -33,6 +33,9 @@ namespace kelvary {
 
 class Recordset;
 class DriverConnection;
+namespace internal {
+class CursorEngine;
+}  // namespace internal
 
 class Connection : public Object, public std::enable_shared_from_this<Connection> {
  public:
@@ -61,8 +64,11 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   // receives the number of rows changed (-1 for a SELECT).
   std::shared_ptr<Recordset> Execute(const std::string& command_text, int32_t& records_affected,
                                      int32_t options = adCmdUnspecified);
+  // As in the classic call, a variable in second place receives the count
+  // (Execute(sql, count) takes the overload above) and a value is the
+  // options (Execute(sql, -1), Execute(sql, adExecuteNoRecords)).
   std::shared_ptr<Recordset> Execute(const std::string& command_text,
-                                     int32_t options = adCmdUnspecified);
+                                     const int32_t& options = adCmdUnspecified);
 
   // Transactions; nesting is not supported (BeginTrans returns level 1).
   int32_t BeginTrans();
@@ -73,20 +79,24 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   // (cleared when an operation starts).
   const std::vector<Error>& Errors() const { return errors_; }
 
-  // Seconds to wait on a busy database (another connection or process
-  // writing) before an operation fails.
+  // CommandTimeout: seconds to wait on a busy database (another connection
+  // or process writing) before an operation fails; applies at once to an
+  // open connection.
   int32_t CommandTimeout() const { return command_timeout_; }
-  void CommandTimeout(int32_t seconds) { command_timeout_ = seconds; }
+  void CommandTimeout(int32_t seconds);
 
   // Driver: the driver under this connection, for the cursor engine and the
   // shaping layer. REQUIRES: State() == adStateOpen (otherwise Error 3704).
   DriverConnection& Driver();
 
  private:
+  friend class internal::CursorEngine;  // records the errors of recordset operations
+
   CursorLocationEnum cursor_location_ = adUseServer;
   std::string connection_string_;
   int32_t command_timeout_ = 30;
   std::vector<Error> errors_;
+  bool in_transaction_ = false;
   std::unique_ptr<DriverConnection> driver_;
 };
 

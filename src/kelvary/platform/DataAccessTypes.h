@@ -58,6 +58,8 @@ enum BookmarkEnum : int32_t {
 enum CommandOptionsEnum : int32_t {
   adCmdUnspecified = -1,
   adCmdText = 1,
+  adCmdTable = 2,  // the source is a table name
+  adCmdTableDirect = 512,
   adExecuteNoRecords = 128,
 };
 

@@ -185,7 +185,11 @@ std::optional<Date> ValidDate(int year, int month, int day) {
       day > DaysInMonth(year, month)) {
     return std::nullopt;
   }
-  return DateSerial(year, month, day);
+  // Checked above, so DateSerial's rolling and range check are not needed;
+  // stored dates are read through here row by row.
+  return Date(static_cast<double>(
+      DaysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) -
+      kEpochOffset));
 }
 
 // Reads an optional time of day: hh:mm[:ss] [AM|PM]. Returns the fraction
@@ -436,6 +440,21 @@ std::optional<Date> ParseDate(std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   if (text.empty()) return std::nullopt;
+  // The stored form, yyyy-mm-dd, read without the scanner: databases hand
+  // over dates in it row after row.
+  if (text.size() == 10 && text[4] == '-' && text[7] == '-') {
+    int digits[8];
+    int n = 0;
+    for (size_t i = 0; i < 10 && n < 8; ++i) {
+      if (i == 4 || i == 7) continue;
+      if (text[i] < '0' || text[i] > '9') break;
+      digits[n++] = text[i] - '0';
+    }
+    if (n == 8) {
+      return ValidDate(digits[0] * 1000 + digits[1] * 100 + digits[2] * 10 + digits[3],
+                       digits[4] * 10 + digits[5], digits[6] * 10 + digits[7]);
+    }
+  }
   Scanner s(text);
 
   auto first = s.Number(4);

@@ -48,8 +48,9 @@ class Field {
   DataTypeEnum Type() const;
   int32_t DefinedSize() const;
   // Value: the value in the current row; Null for a NULL. Raises Error 3021
-  // when there is no current row.
-  Variant Value() const;
+  // when there is no current row. The reference is valid until the
+  // recordset changes (a move, an edit, AddNew, Close): copy it to keep it.
+  const Variant& Value() const;
   // Setting Value starts an edit of the current row (EditMode becomes
   // adEditInProgress) unless one is in progress; raises Error 3251 on a
   // read-only recordset.
@@ -73,12 +74,17 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
 
-  // Open runs source (a statement) on connection and fetches its rows.
-  // Positions on the first row (Bof and Eof both true when there is none).
-  // REQUIRES: State() == adStateClosed (otherwise Error 3705).
+  // Open runs source (a statement; a table name with options adCmdTable) on
+  // connection and fetches its rows. Positions on the first row (Bof and Eof
+  // both true when there is none). A statement that returns no rows is run
+  // and leaves the recordset closed. A SHAPE statement goes to the shaping
+  // layer. REQUIRES: State() == adStateClosed (otherwise Error 3705) and an
+  // open connection (otherwise Error 3709).
   void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
             CursorTypeEnum cursor_type = adOpenUnspecified,
             LockTypeEnum lock_type = adLockUnspecified, int32_t options = adCmdUnspecified);
+  // Close drops the rows and a pending change (call Update first to keep
+  // it). Raises Error 3704 when already closed.
   void Close();
   ObjectStateEnum State() const;
 
@@ -86,13 +92,16 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   bool Bof() const;
   bool Eof() const;
   int32_t RecordCount() const;
-  // AbsolutePosition: 1-based position among the visible rows; -1 (unknown)
-  // at BOF or EOF.
+  // AbsolutePosition: 1-based position among the visible rows; -2 at BOF,
+  // -3 at EOF, -1 (unknown) when there are no rows or the row was deleted.
   int32_t AbsolutePosition() const;
   // Bookmark: an opaque value naming the current row; assigning it moves back.
   Variant Bookmark() const;
   void Bookmark(const Variant& bookmark);
 
+  // The moves commit a changed row first. MoveFirst and MoveLast raise Error
+  // 3021 on an empty recordset, MoveNext at EOF and MovePrevious at BOF too;
+  // after a Delete, MoveNext lands on the row that followed the deleted one.
   void MoveFirst();
   void MoveLast();
   void MoveNext();
@@ -121,6 +130,13 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   // HasField: whether a field of that name exists.
   bool HasField(std::string_view name) const;
 
+  // AddNew appends a row of Nulls and makes it current (EditMode adEditAdd);
+  // Update writes the pending row (an INSERT reads the generated key and the
+  // table's defaults back) and keeps it current; Delete removes the current
+  // row at once (RecordCount drops; the row stays current, with EditMode
+  // adEditDelete, until the cursor moves); CancelUpdate drops the pending
+  // change (a new row goes, the cursor returns where it was). On a failed
+  // write the change stays pending and the fields concerned carry a Status.
   void AddNew();
   void Update();
   void Delete();

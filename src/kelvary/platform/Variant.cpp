@@ -322,6 +322,11 @@ bool IsNumeric(const Variant& v) {
 }
 
 int CompareValues(const Variant& a, const Variant& b) {
+  // Two Longs, the usual key column against its criteria: the answer without
+  // the general path (criteria compare row by row).
+  if (const auto* x = a.Get<int32_t>()) {
+    if (const auto* y = b.Get<int32_t>()) return (*x > *y) - (*x < *y);
+  }
   const bool a_none = a.IsNull() || a.IsEmpty();
   const bool b_none = b.IsNull() || b.IsEmpty();
   if (a_none || b_none) return static_cast<int>(b_none) - static_cast<int>(a_none);
@@ -341,12 +346,22 @@ int CompareValues(const Variant& a, const Variant& b) {
   if (nb && !na && a.IsString()) na = text_value(*a.Get<std::string>(), b.Type() == vbDate);
   if (na && nb) return *na < *nb ? -1 : (*na > *nb ? 1 : 0);
   if (a.IsObject() || b.IsObject()) ThrowTypeMismatch();
-  const std::string ta = CStr(a);
-  const std::string tb = CStr(b);
+  // Texts are compared in place, folded as ASCII as the databases' own
+  // case-blind comparisons are (and without a locale look-up per
+  // character: criteria compare row by row).
+  std::string a_text, b_text;
+  const std::string_view ta = a.IsString() ? std::string_view(*a.Get<std::string>())
+                                           : std::string_view(a_text = CStr(a));
+  const std::string_view tb = b.IsString() ? std::string_view(*b.Get<std::string>())
+                                           : std::string_view(b_text = CStr(b));
+  auto fold = [](char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return (u >= 'A' && u <= 'Z') ? u + ('a' - 'A') : static_cast<int>(u);
+  };
   const size_t n = std::min(ta.size(), tb.size());
   for (size_t i = 0; i < n; ++i) {
-    const int ca = std::tolower(static_cast<unsigned char>(ta[i]));
-    const int cb = std::tolower(static_cast<unsigned char>(tb[i]));
+    const int ca = fold(ta[i]);
+    const int cb = fold(tb[i]);
     if (ca != cb) return ca < cb ? -1 : 1;
   }
   return ta.size() < tb.size() ? -1 : (ta.size() > tb.size() ? 1 : 0);

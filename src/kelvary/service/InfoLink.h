@@ -78,9 +78,13 @@ class InfoLink {
   // The main (practice) and system (configuration) connections, shared by
   // reference; setting one opens or closes nothing.
   const std::shared_ptr<Connection>& AppDataXion() const { return app_data_xion_; }
-  void AppDataXion(std::shared_ptr<Connection> connection) { app_data_xion_ = std::move(connection); }
+  void AppDataXion(std::shared_ptr<Connection> connection) {
+    app_data_xion_ = std::move(connection);
+  }
   const std::shared_ptr<Connection>& ConfigsXion() const { return configs_xion_; }
-  void ConfigsXion(std::shared_ptr<Connection> connection) { configs_xion_ = std::move(connection); }
+  void ConfigsXion(std::shared_ptr<Connection> connection) {
+    configs_xion_ = std::move(connection);
+  }
 
   // ---- Events ----
   // Advise subscribes a sink; Unadvise removes it. Sinks are held until
@@ -106,8 +110,7 @@ class InfoLink {
   // when open) on the connection of SourceofData; True when rows may be read,
   // positioned on the first.
   bool FillRecordSet(ProjectDataSources SourceofData, std::shared_ptr<Recordset>& rs,
-                     const std::string& SQLStmt, CursorTypeEnum CursorType,
-                     LockTypeEnum LocKType);
+                     const std::string& SQLStmt, CursorTypeEnum CursorType, LockTypeEnum LocKType);
   // ExecuteSQL runs a statement that returns no rows; always True (failures
   // are shown, not returned).
   bool ExecuteSQL(ProjectDataSources SourceofData, const std::string& SQLStmt);
@@ -167,18 +170,15 @@ class InfoLink {
   // ---- Value look-ups ----
   Variant GetCoreName(int32_t CoreCode, const std::string& TblName,
                       std::optional<int16_t> NumCharSpace = std::nullopt);
-  std::string GetDescriptionFromCode(int32_t CurrValue, const std::string& TableName,
-                                     const std::string& descriptionField,
-                                     const std::string& ValueField, ProjectDataSources Dtsrc,
-                                     const std::string& SQLStmt,
-                                     std::optional<int16_t> NumCharSpace = std::nullopt,
-                                     const std::optional<std::string>& SecondaryDisplayField =
-                                         std::nullopt);
+  std::string GetDescriptionFromCode(
+      int32_t CurrValue, const std::string& TableName, const std::string& descriptionField,
+      const std::string& ValueField, ProjectDataSources Dtsrc, const std::string& SQLStmt,
+      std::optional<int16_t> NumCharSpace = std::nullopt,
+      const std::optional<std::string>& SecondaryDisplayField = std::nullopt);
   Variant GetCorrespondingValue(int32_t SearchValue, const std::string& TableName,
                                 const std::string& OutPutField, const std::string& Searchfield,
                                 ProjectDataSources Dtsrc, const std::string& SQLStmt);
-  Variant GetCorrespondingValueFromText(const std::string& SearchText,
-                                        const std::string& TableName,
+  Variant GetCorrespondingValueFromText(const std::string& SearchText, const std::string& TableName,
                                         const std::string& OutPutField,
                                         const std::string& Searchfield, ProjectDataSources Dtsrc,
                                         const std::string& SQLStmt);
@@ -219,8 +219,7 @@ class InfoLink {
   int32_t GenerateNumericCode(ProjectDataSources SourceofData, const std::string& Table_Name,
                               const std::string& Field_Name,
                               const std::optional<std::string>& LimitString = std::nullopt);
-  double GenerateNumericCodeAsDouble(ProjectDataSources SourceofData,
-                                     const std::string& Table_Name,
+  double GenerateNumericCodeAsDouble(ProjectDataSources SourceofData, const std::string& Table_Name,
                                      const std::string& Field_Name,
                                      const std::optional<std::string>& LimitString = std::nullopt);
   void UpdateTableMaxID(const std::string& Table_Name, int32_t MaxCd);
@@ -237,15 +236,14 @@ class InfoLink {
                              int32_t KeyValue2, const std::string& ConditionSQL,
                              const std::string& KeyField1, const std::string& KeyField2,
                              std::shared_ptr<Recordset>* RealRecs = nullptr);
-  std::string GetKeyFieldSQL(bool bOnlyWhereClause, const std::string& TableName,
-                             double KeyValue1, double KeyValue2, const std::string& KeyField1,
+  std::string GetKeyFieldSQL(bool bOnlyWhereClause, const std::string& TableName, double KeyValue1,
+                             double KeyValue2, const std::string& KeyField1,
                              const std::string& KeyField2);
   std::string GetShowableRecordClause(const std::string& TableName, bool bAddAndToIt) const;
-  Variant PostRecordActionHistory(ProjectDataSources SourceofData,
-                                  DBRecordActionTypes DBActionType, int32_t TableId,
-                                  const std::string& TableName, int32_t UserId, int32_t KeyValue1,
-                                  int32_t KeyValue2, const std::string& KeyField1,
-                                  const std::string& KeyField2);
+  Variant PostRecordActionHistory(ProjectDataSources SourceofData, DBRecordActionTypes DBActionType,
+                                  int32_t TableId, const std::string& TableName, int32_t UserId,
+                                  int32_t KeyValue1, int32_t KeyValue2,
+                                  const std::string& KeyField1, const std::string& KeyField2);
   Variant PostRecordActionHistoryAsDouble(ProjectDataSources SourceofData,
                                           DBRecordActionTypes DBActionType, int32_t TableId,
                                           const std::string& TableName, int32_t UserId,
@@ -270,7 +268,8 @@ class InfoLink {
   template <class F>
   void Raise(F&& f) {
     const auto sinks = sinks_;  // a handler may subscribe or unsubscribe
-    for (const auto& sink : sinks) f(*sink);
+    for (const auto& sink : sinks)
+      f(*sink);
   }
 
   // -- look-ups (defined in lookups/) --
@@ -288,7 +287,7 @@ class InfoLink {
   std::shared_ptr<Recordset> multi_selects_;  // multi-select cache
   std::shared_ptr<Recordset> spare_recordset_;
   std::shared_ptr<Connection> sequence_generator_xion_;
-  std::shared_ptr<Recordset> data_tables_;  // kept open in cgmDynamicTables mode
+  std::shared_ptr<Recordset> data_tables_;                // kept open in cgmDynamicTables mode
   std::shared_ptr<KeyedCollection<Variant>> table_keys_;  // created on first use
   // Index by ID over the two caches; rebuilt after each InitLists.
   std::shared_ptr<lookups::MetadataIndex> metadata_index_;

@@ -18,22 +18,25 @@ class InfoLinkEvents {
   virtual ~InfoLinkEvents() = default;
 
   // 1-3: declared for hosts; no member of the service object raises them.
-  virtual void CheckAllowRecordDelete(int32_t /*DataTableId*/, int32_t /*RecID*/, bool& /*bOKTODelete*/) {}
+  virtual void CheckAllowRecordDelete(int32_t /*DataTableId*/, int32_t /*RecID*/,
+                                      bool& /*bOKTODelete*/) {}
   virtual void BeforeDeleteRecord(int32_t /*DataTableId*/, int32_t /*RecID*/) {}
   virtual void AfterDeleteRecord(int32_t /*DataTableId*/, int32_t /*RecID*/) {}
   // 4: a new key is wanted from the host (key generation by network server).
   virtual void RequestRemoteNextID(int32_t& /*ReturnValue*/, ProjectDataSources /*SourceofData*/,
-                                   const std::string& /*Table_Name*/, const std::string& /*Field_Name*/,
+                                   const std::string& /*Table_Name*/,
+                                   const std::string& /*Field_Name*/,
                                    const std::string& /*LimitString*/) {}
   // 5: a record action is about to be recorded; clear bContinue to stop it.
   virtual void BeforePostActionHistory(ProjectDataSources /*SourceofData*/,
                                        DBRecordActionTypes /*DBActionType*/, int32_t /*TableId*/,
                                        const std::string& /*TableName*/, int32_t /*UserId*/,
                                        int32_t /*KeyValue1*/, int32_t /*KeyValue2*/,
-                                       const std::string& /*KeyField1*/, const std::string& /*KeyField2*/,
-                                       bool& /*bContinue*/) {}
+                                       const std::string& /*KeyField1*/,
+                                       const std::string& /*KeyField2*/, bool& /*bContinue*/) {}
   // 6: as 4 with a double key.
-  virtual void RequestRemoteNextIDAsDouble(double& /*ReturnValue*/, ProjectDataSources /*SourceofData*/,
+  virtual void RequestRemoteNextIDAsDouble(double& /*ReturnValue*/,
+                                           ProjectDataSources /*SourceofData*/,
                                            const std::string& /*Table_Name*/,
                                            const std::string& /*Field_Name*/,
                                            const std::string& /*LimitString*/) {}
@@ -42,18 +45,19 @@ class InfoLinkEvents {
                                       DBRecordActionTypes /*DBActionType*/, int32_t /*TableId*/,
                                       const std::string& /*TableName*/, int32_t /*UserId*/,
                                       int32_t /*KeyValue1*/, int32_t /*KeyValue2*/,
-                                      const std::string& /*KeyField1*/, const std::string& /*KeyField2*/) {}
+                                      const std::string& /*KeyField1*/,
+                                      const std::string& /*KeyField2*/) {}
   // 8, 9: as 5 and 7 with double keys.
-  virtual void BeforePostActionHistoryAsDouble(ProjectDataSources /*SourceofData*/,
-                                               DBRecordActionTypes /*DBActionType*/, int32_t /*TableId*/,
-                                               const std::string& /*TableName*/, int32_t /*UserId*/,
-                                               double /*KeyValue1*/, double /*KeyValue2*/,
-                                               const std::string& /*KeyField1*/,
-                                               const std::string& /*KeyField2*/, bool& /*bContinue*/) {}
+  virtual void BeforePostActionHistoryAsDouble(
+      ProjectDataSources /*SourceofData*/, DBRecordActionTypes /*DBActionType*/,
+      int32_t /*TableId*/, const std::string& /*TableName*/, int32_t /*UserId*/,
+      double /*KeyValue1*/, double /*KeyValue2*/, const std::string& /*KeyField1*/,
+      const std::string& /*KeyField2*/, bool& /*bContinue*/) {}
   virtual void AfterPostActionHistoryAsDouble(ProjectDataSources /*SourceofData*/,
-                                              DBRecordActionTypes /*DBActionType*/, int32_t /*TableId*/,
-                                              const std::string& /*TableName*/, int32_t /*UserId*/,
-                                              double /*KeyValue1*/, double /*KeyValue2*/,
+                                              DBRecordActionTypes /*DBActionType*/,
+                                              int32_t /*TableId*/, const std::string& /*TableName*/,
+                                              int32_t /*UserId*/, double /*KeyValue1*/,
+                                              double /*KeyValue2*/,
                                               const std::string& /*KeyField1*/,
                                               const std::string& /*KeyField2*/) {}
 };

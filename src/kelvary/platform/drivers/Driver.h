@@ -77,6 +77,15 @@ class DriverConnection {
   // this connection into table (column key_column); Empty when unknown.
   virtual Variant LastInsertedKey(const std::string& table, const std::string& key_column) = 0;
 
+  // EqualsParameter: SQL text that is true when column (already quoted)
+  // holds the value of one "?" parameter of the given type, for locating a
+  // row by the values it was read with. Drivers that store a type in a form
+  // of their own (SQLite's dates as text) compare by meaning here.
+  virtual std::string EqualsParameter(const std::string& column, DataTypeEnum type) const {
+    (void)type;
+    return column + " = ?";
+  }
+
   // SetBusyTimeout: how long to wait for a database that another connection
   // or process is writing before failing.
   virtual void SetBusyTimeout(int32_t seconds) = 0;

@@ -1,0 +1,563 @@
+#include "kelvary/platform/drivers/sqlite/SqliteDriver.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <filesystem>
+#include <list>
+#include <unordered_map>
+
+#include "kelvary/platform/Error.h"
+#include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
+#include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
+
+namespace kelvary::sqlite {
+namespace {
+
+constexpr const char* kSource = "SQLite";
+constexpr size_t kCachedStatements = 128;
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (std::tolower(static_cast<unsigned char>(a[i])) !=
+        std::tolower(static_cast<unsigned char>(b[i]))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// RestIsEmpty: only blanks and comments follow the first statement.
+bool RestIsEmpty(const char* tail) {
+  std::string_view rest(tail);
+  size_t i = 0;
+  while (i < rest.size()) {
+    if (std::isspace(static_cast<unsigned char>(rest[i])) || rest[i] == ';') {
+      ++i;
+    } else if (rest.compare(i, 2, "--") == 0) {
+      const size_t end = rest.find('\n', i);
+      i = end == std::string_view::npos ? rest.size() : end + 1;
+    } else if (rest.compare(i, 2, "/*") == 0) {
+      const size_t end = rest.find("*/", i + 2);
+      i = end == std::string_view::npos ? rest.size() : end + 2;
+    } else {
+      return false;
+    }
+  }
+  return true;
+}
+
+// A prepared statement with what the driver learnt about its columns.
+struct Prepared {
+  sqlite3_stmt* stmt = nullptr;
+  std::vector<ColumnInfo> columns;
+  std::vector<ValueKind> kinds;
+  int reprepares = 0;    // SQLite re-prepares after a schema change; columns are read again
+  size_t last_rows = 0;  // rows of the last run: the next run reserves room for as many
+  std::list<std::string>::iterator lru;
+};
+
+// Leaves a statement ready for its next use, whatever happened to this one.
+class ResetOnExit {
+ public:
+  explicit ResetOnExit(sqlite3_stmt* stmt) : stmt_(stmt) {}
+  ~ResetOnExit() {
+    sqlite3_reset(stmt_);
+    sqlite3_clear_bindings(stmt_);
+  }
+  ResetOnExit(const ResetOnExit&) = delete;
+  ResetOnExit& operator=(const ResetOnExit&) = delete;
+
+ private:
+  sqlite3_stmt* stmt_;
+};
+
+inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int column,
+                        ValueKind kind) {
+  const int storage = sqlite3_column_type(stmt, column);
+  if (storage == SQLITE_NULL) {
+    cells.push_back(Variant::Null());
+    return;
+  }
+  auto text = [&]() {
+    const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
+    return std::string_view(p, static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+  };
+  auto blob = [&]() {
+    const auto* p = static_cast<const char*>(sqlite3_column_blob(stmt, column));
+    return std::string_view(p ? p : "", static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+  };
+  auto whole = [&](int64_t v) {
+    if (v >= INT32_MIN && v <= INT32_MAX) {
+      cells.emplace_back(static_cast<int32_t>(v));
+    } else {
+      cells.emplace_back(v);
+    }
+  };
+  // A value stored otherwise than its column's type reads back as stored.
+  auto as_stored = [&]() {
+    switch (storage) {
+      case SQLITE_INTEGER:
+        whole(sqlite3_column_int64(stmt, column));
+        break;
+      case SQLITE_FLOAT:
+        cells.emplace_back(sqlite3_column_double(stmt, column));
+        break;
+      case SQLITE_BLOB:
+        cells.emplace_back(blob());
+        break;
+      default:
+        cells.emplace_back(text());
+    }
+  };
+  switch (kind) {
+    case ValueKind::kInt16:
+      if (storage == SQLITE_INTEGER) {
+        const int64_t v = sqlite3_column_int64(stmt, column);
+        if (v >= INT16_MIN && v <= INT16_MAX) {
+          cells.emplace_back(static_cast<int16_t>(v));
+          return;
+        }
+      }
+      return as_stored();
+    case ValueKind::kInt64:
+      if (storage == SQLITE_INTEGER) {
+        cells.emplace_back(static_cast<int64_t>(sqlite3_column_int64(stmt, column)));
+        return;
+      }
+      return as_stored();
+    case ValueKind::kDouble:
+      if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
+        cells.emplace_back(sqlite3_column_double(stmt, column));
+        return;
+      }
+      return as_stored();
+    case ValueKind::kCurrency:
+      if (storage == SQLITE_INTEGER) {
+        cells.emplace_back(Currency{sqlite3_column_int64(stmt, column) * 10000});
+        return;
+      }
+      if (storage == SQLITE_FLOAT) {
+        cells.emplace_back(Currency::FromDouble(sqlite3_column_double(stmt, column)));
+        return;
+      }
+      return as_stored();
+    case ValueKind::kBoolean:
+      if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
+        cells.emplace_back(sqlite3_column_double(stmt, column) != 0.0);
+        return;
+      }
+      if (storage == SQLITE_TEXT) {
+        const std::string_view t = text();
+        if (EqualsNoCase(t, "true") || EqualsNoCase(t, "false")) {
+          cells.emplace_back(EqualsNoCase(t, "true"));
+          return;
+        }
+      }
+      return as_stored();
+    case ValueKind::kDate:
+      if (storage == SQLITE_TEXT) {
+        if (const auto d = ParseDate(text())) {
+          cells.emplace_back(*d);
+          return;
+        }
+      } else if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
+        cells.emplace_back(Date(sqlite3_column_double(stmt, column)));
+        return;
+      }
+      return as_stored();
+    case ValueKind::kText:
+      cells.emplace_back(storage == SQLITE_BLOB ? blob() : text());
+      return;
+    case ValueKind::kBlob:
+      cells.emplace_back(storage == SQLITE_BLOB ? blob() : text());
+      return;
+    case ValueKind::kInt32:
+    case ValueKind::kDynamic:
+    default:
+      return as_stored();
+  }
+}
+
+// SettleDynamicTypes gives a column without a declared type the type its
+// values have.
+void SettleDynamicTypes(RowSet& rows, const std::vector<ValueKind>& kinds) {
+  const size_t width = rows.columns.size();
+  for (size_t c = 0; c < width; ++c) {
+    if (kinds[c] != ValueKind::kDynamic) continue;
+    bool whole = false, big = false, fraction = false, text = false;
+    for (size_t i = c; i < rows.cells.size(); i += width) {
+      switch (rows.cells[i].Type()) {
+        case vbLong:
+          whole = true;
+          break;
+        case vbLongLong:
+          big = true;
+          break;
+        case vbDouble:
+          fraction = true;
+          break;
+        case vbString:
+          text = true;
+          break;
+        default:
+          break;
+      }
+    }
+    DataTypeEnum type = adVarWChar;
+    if (!text) {
+      if (fraction) {
+        type = adDouble;
+      } else if (big) {
+        type = adBigInt;
+      } else if (whole) {
+        type = adInteger;
+      }
+    }
+    rows.columns[c].type = type;
+  }
+}
+
+class SqliteConnection final : public DriverConnection {
+ public:
+  SqliteConnection(sqlite3* db, std::string path) : db_(db), path_(std::move(path)) {}
+  ~SqliteConnection() override { Close(); }
+  SqliteConnection(const SqliteConnection&) = delete;
+  SqliteConnection& operator=(const SqliteConnection&) = delete;
+
+  void Configure(OpenMode mode, int32_t busy_timeout_seconds) {
+    sqlite3_extended_result_codes(db_, 1);
+    SetBusyTimeout(busy_timeout_seconds);
+    if (RegisterDialectFunctions(db_) != SQLITE_OK) Fail("registering the dialect functions");
+    if (mode != OpenMode::kReadOnly) Exec("PRAGMA journal_mode=WAL");
+    Exec("PRAGMA synchronous=FULL");
+    Exec("PRAGMA foreign_keys=ON");
+  }
+
+  StatementResult Run(const std::string& sql, const std::vector<Variant>& params,
+                      int32_t max_rows) override {
+    RequireOpen();
+    Prepared& prepared = Prepare(sql);
+    sqlite3_stmt* stmt = prepared.stmt;
+    ResetOnExit reset(stmt);
+    Bind(stmt, params, sql);
+
+    StatementResult result;
+    int width = sqlite3_column_count(stmt);
+    if (width == 0) {
+      const int64_t before = sqlite3_total_changes64(db_);
+      int rc;
+      while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+      }
+      if (rc != SQLITE_DONE) Fail(sql);
+      result.records_affected = sqlite3_total_changes64(db_) != before ? sqlite3_changes64(db_) : 0;
+      return result;
+    }
+    result.has_rows = true;
+    int rc = sqlite3_step(stmt);
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE) Fail(sql);
+    if (sqlite3_stmt_status(stmt, SQLITE_STMTSTATUS_REPREPARE, 0) != prepared.reprepares) {
+      // The schema changed since the statement was prepared: SELECT * may
+      // have other columns now.
+      Describe(prepared);
+      width = sqlite3_column_count(stmt);
+    }
+    RowSet& rows = result.rows;
+    rows.columns = prepared.columns;
+    size_t expected = std::max<size_t>(prepared.last_rows, 16);
+    if (max_rows > 0) expected = std::min<size_t>(expected, static_cast<size_t>(max_rows));
+    rows.cells.reserve(expected * static_cast<size_t>(width));
+    const std::vector<ValueKind>& kinds = prepared.kinds;
+    int64_t count = 0;
+    while (rc == SQLITE_ROW) {
+      for (int c = 0; c < width; ++c)
+        AppendValue(rows.cells, stmt, c, kinds[static_cast<size_t>(c)]);
+      if (max_rows > 0 && ++count >= max_rows) break;
+      rc = sqlite3_step(stmt);
+    }
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE) Fail(sql);
+    prepared.last_rows = rows.cells.size() / static_cast<size_t>(width);
+    SettleDynamicTypes(rows, kinds);
+    return result;
+  }
+
+  void BeginTransaction() override { Run("BEGIN IMMEDIATE", {}, 0); }
+  void CommitTransaction() override { Run("COMMIT", {}, 0); }
+  void RollbackTransaction() override { Run("ROLLBACK", {}, 0); }
+
+  std::vector<std::string> KeyColumns(const std::string& table) override {
+    RequireOpen();
+    std::vector<std::string> keys;
+    bool exists = false;
+    sqlite3_stmt* stmt = nullptr;
+    const char* sql = "SELECT name, pk FROM pragma_table_info(?) ORDER BY pk";
+    if (sqlite3_prepare_v2(db_, sql, -1, &stmt, nullptr) != SQLITE_OK) Fail(sql);
+    sqlite3_bind_text(stmt, 1, table.c_str(), static_cast<int>(table.size()), SQLITE_TRANSIENT);
+    int rc;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+      exists = true;
+      if (sqlite3_column_int(stmt, 1) > 0) {
+        keys.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)));
+      }
+    }
+    sqlite3_finalize(stmt);
+    if (rc != SQLITE_DONE) Fail(sql);
+    if (exists && keys.empty()) keys.emplace_back("rowid");  // every table without a key has one
+    return keys;
+  }
+
+  Variant LastInsertedKey(const std::string& table, const std::string& key_column) override {
+    RequireOpen();
+    // Only the row id is generated by SQLite: the "rowid" itself or the
+    // INTEGER PRIMARY KEY that stands for it.
+    bool is_rowid = EqualsNoCase(key_column, "rowid");
+    if (!is_rowid) {
+      const std::vector<std::string> keys = KeyColumns(table);
+      if (keys.size() == 1 && EqualsNoCase(keys[0], key_column)) {
+        const char* declared = nullptr;
+        int primary = 0;
+        if (sqlite3_table_column_metadata(db_, nullptr, table.c_str(), key_column.c_str(),
+                                          &declared, nullptr, nullptr, &primary,
+                                          nullptr) == SQLITE_OK) {
+          is_rowid = primary && declared && EqualsNoCase(declared, "INTEGER");
+        }
+      }
+    }
+    if (!is_rowid) return Variant();
+    const int64_t id = sqlite3_last_insert_rowid(db_);
+    if (id >= INT32_MIN && id <= INT32_MAX) return Variant(static_cast<int32_t>(id));
+    return Variant(id);
+  }
+
+  std::string EqualsParameter(const std::string& column, DataTypeEnum type) const override {
+    // Dates are text here: compare the instants, not the spelling.
+    if (type == adDate) return "julianday(" + column + ") = julianday(?)";
+    if (type == adBoolean) return "(" + column + " <> 0) = (? <> 0)";
+    return column + " = ?";
+  }
+
+  void SetBusyTimeout(int32_t seconds) override {
+    RequireOpen();
+    // 0 waits without limit, as a command timeout of 0 does.
+    const int64_t ms = seconds <= 0 ? INT_MAX : static_cast<int64_t>(seconds) * 1000;
+    sqlite3_busy_timeout(db_, static_cast<int>(std::min<int64_t>(ms, INT_MAX)));
+  }
+
+  void Close() override {
+    if (!db_) return;
+    for (auto& [text, prepared] : cache_)
+      sqlite3_finalize(prepared.stmt);
+    cache_.clear();
+    lru_.clear();
+    sqlite3_close_v2(db_);
+    db_ = nullptr;
+  }
+
+  std::string Name() const override { return "SQLite"; }
+
+ private:
+  void RequireOpen() const {
+    if (!db_) {
+      throw Error(kErrObjectClosed, "Operation is not allowed when the object is closed.", kSource);
+    }
+  }
+
+  [[noreturn]] void Fail(const std::string& statement) const {
+    const int code = sqlite3_extended_errcode(db_);
+    Error error(kErrProviderFailure, sqlite3_errmsg(db_), kSource);
+    error.WithNativeError(code).WithStatement(statement);
+    if ((code & 0xFF) == SQLITE_CONSTRAINT) error.WithSqlState("23000");
+    throw error;
+  }
+
+  void Exec(const char* sql) {
+    char* message = nullptr;
+    if (sqlite3_exec(db_, sql, nullptr, nullptr, &message) != SQLITE_OK) {
+      std::string text = message ? message : sqlite3_errmsg(db_);
+      sqlite3_free(message);
+      throw Error(kErrProviderFailure,
+                  "Cannot set up the SQLite database \"" + path_ + "\": " + text, kSource)
+          .WithNativeError(sqlite3_extended_errcode(db_))
+          .WithStatement(sql);
+    }
+  }
+
+  Prepared& Prepare(const std::string& sql) {
+    if (auto it = cache_.find(sql); it != cache_.end()) {
+      lru_.splice(lru_.begin(), lru_, it->second.lru);
+      return it->second;
+    }
+    const std::string text = RewriteDialect(sql);
+    sqlite3_stmt* stmt = nullptr;
+    const char* tail = nullptr;
+    if (sqlite3_prepare_v3(db_, text.c_str(), static_cast<int>(text.size()) + 1,
+                           SQLITE_PREPARE_PERSISTENT, &stmt, &tail) != SQLITE_OK) {
+      Fail(sql);
+    }
+    if (stmt == nullptr) {
+      throw Error(kErrProviderFailure, "The statement is empty", kSource).WithStatement(sql);
+    }
+    if (tail && !RestIsEmpty(tail)) {
+      sqlite3_finalize(stmt);
+      throw Error(kErrProviderFailure,
+                  "The text holds more than one statement; a script runs through ExecuteScript",
+                  kSource)
+          .WithStatement(sql);
+    }
+    if (cache_.size() >= kCachedStatements) {
+      auto oldest = cache_.find(lru_.back());
+      sqlite3_finalize(oldest->second.stmt);
+      cache_.erase(oldest);
+      lru_.pop_back();
+    }
+    lru_.push_front(sql);
+    Prepared& prepared = cache_[sql];
+    prepared.stmt = stmt;
+    prepared.lru = lru_.begin();
+    Describe(prepared);
+    return prepared;
+  }
+
+  // Describe reads the columns of a prepared statement: names, declared
+  // types, and the table and column each comes from (for write-back).
+  void Describe(Prepared& prepared) {
+    sqlite3_stmt* stmt = prepared.stmt;
+    prepared.reprepares = sqlite3_stmt_status(stmt, SQLITE_STMTSTATUS_REPREPARE, 0);
+    const int width = sqlite3_column_count(stmt);
+    prepared.columns.assign(static_cast<size_t>(width), ColumnInfo());
+    prepared.kinds.assign(static_cast<size_t>(width), ValueKind::kDynamic);
+    std::unordered_map<std::string, size_t> key_counts;  // per table, for generated keys
+    for (int c = 0; c < width; ++c) {
+      ColumnInfo& info = prepared.columns[static_cast<size_t>(c)];
+      const char* name = sqlite3_column_name(stmt, c);
+      info.name = name ? name : "";
+      const char* declared = sqlite3_column_decltype(stmt, c);
+      const DeclaredType type = MapDeclaredType(declared ? declared : "");
+      info.type = type.type;
+      info.defined_size = type.defined_size;
+      prepared.kinds[static_cast<size_t>(c)] = type.kind;
+      const char* table = sqlite3_column_table_name(stmt, c);
+      const char* origin = sqlite3_column_origin_name(stmt, c);
+      if (!table || !origin) continue;
+      info.base_table = table;
+      info.base_column = origin;
+      int not_null = 0, primary = 0, autoinc = 0;
+      if (sqlite3_table_column_metadata(db_, sqlite3_column_database_name(stmt, c), table, origin,
+                                        nullptr, nullptr, &not_null, &primary,
+                                        &autoinc) == SQLITE_OK) {
+        info.nullable = !not_null;
+        info.key = primary != 0;
+        if (primary && declared && EqualsNoCase(declared, "INTEGER")) {
+          auto it = key_counts.find(info.base_table);
+          if (it == key_counts.end()) {
+            it = key_counts.emplace(info.base_table, KeyColumns(info.base_table).size()).first;
+          }
+          info.auto_increment = it->second == 1;  // the INTEGER PRIMARY KEY is the row id
+        }
+        info.auto_increment = info.auto_increment || autoinc;
+      }
+    }
+  }
+
+  void Bind(sqlite3_stmt* stmt, const std::vector<Variant>& params, const std::string& sql) {
+    const int expected = sqlite3_bind_parameter_count(stmt);
+    if (expected != static_cast<int>(params.size())) {
+      throw Error(kErrProviderFailure,
+                  "The statement takes " + std::to_string(expected) + " parameters, not " +
+                      std::to_string(params.size()),
+                  kSource)
+          .WithStatement(sql);
+    }
+    for (int i = 0; i < expected; ++i) {
+      const Variant& v = params[static_cast<size_t>(i)];
+      const int n = i + 1;
+      int rc = SQLITE_OK;
+      switch (v.Type()) {
+        case vbEmpty:
+        case vbNull:
+          rc = sqlite3_bind_null(stmt, n);
+          break;
+        case vbBoolean:
+          rc = sqlite3_bind_int(stmt, n, *v.Get<bool>() ? 1 : 0);
+          break;
+        case vbInteger:
+        case vbLong:
+        case vbLongLong:
+          rc = sqlite3_bind_int64(stmt, n, CLngLng(v));
+          break;
+        case vbSingle:
+        case vbDouble:
+        case vbCurrency:
+          rc = sqlite3_bind_double(stmt, n, CDbl(v));
+          break;
+        case vbDate: {
+          const std::string text = IsoDateText(*v.Get<Date>());
+          rc = sqlite3_bind_text(stmt, n, text.data(), static_cast<int>(text.size()),
+                                 SQLITE_TRANSIENT);
+          break;
+        }
+        case vbString: {
+          const std::string& text = *v.Get<std::string>();
+          rc = sqlite3_bind_text(stmt, n, text.data(), static_cast<int>(text.size()),
+                                 SQLITE_STATIC);  // params outlive the statement's run
+          break;
+        }
+        default:
+          throw Error(kErrTypeMismatch, "Type mismatch (an object cannot be a parameter)", kSource)
+              .WithStatement(sql);
+      }
+      if (rc != SQLITE_OK) Fail(sql);
+    }
+  }
+
+  sqlite3* db_;
+  std::string path_;
+  std::unordered_map<std::string, Prepared> cache_;
+  std::list<std::string> lru_;  // most recently used first
+};
+
+}  // namespace
+
+std::unique_ptr<DriverConnection> OpenSqliteConnection(const std::string& path, OpenMode mode,
+                                                       int32_t busy_timeout_seconds) {
+  const bool in_memory = path == ":memory:";
+  if (!in_memory && mode != OpenMode::kReadWriteCreate) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) {
+      throw Error(kErrProviderFailure,
+                  "The SQLite database file \"" + path +
+                      "\" does not exist (Mode=ReadWriteCreate in the connection string creates "
+                      "it)",
+                  kSource);
+    }
+  }
+  int flags = SQLITE_OPEN_NOMUTEX;
+  switch (mode) {
+    case OpenMode::kReadOnly:
+      flags |= SQLITE_OPEN_READONLY;
+      break;
+    case OpenMode::kReadWrite:
+      flags |= SQLITE_OPEN_READWRITE;
+      break;
+    case OpenMode::kReadWriteCreate:
+      flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+      break;
+  }
+  sqlite3* db = nullptr;
+  const int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
+  if (rc != SQLITE_OK) {
+    const std::string message = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
+    sqlite3_close_v2(db);
+    throw Error(kErrProviderFailure, "Cannot open the SQLite database \"" + path + "\": " + message,
+                kSource)
+        .WithNativeError(rc);
+  }
+  auto connection = std::make_unique<SqliteConnection>(db, path);
+  connection->Configure(mode, busy_timeout_seconds);
+  return connection;
+}
+
+}  // namespace kelvary::sqlite

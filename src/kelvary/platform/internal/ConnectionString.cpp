@@ -1,0 +1,149 @@
+#include "kelvary/platform/internal/ConnectionString.h"
+
+#include <cctype>
+
+#include "kelvary/platform/Error.h"
+
+namespace kelvary::internal {
+namespace {
+
+std::string_view Trim(std::string_view s) {
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
+    s.remove_prefix(1);
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
+    s.remove_suffix(1);
+  return s;
+}
+
+std::string Lowered(std::string_view s) {
+  std::string out(s);
+  for (char& c : out)
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return out;
+}
+
+bool EndsWithNoCase(std::string_view s, std::string_view suffix) {
+  return s.size() >= suffix.size() && Lowered(s.substr(s.size() - suffix.size())) == suffix;
+}
+
+}  // namespace
+
+std::optional<std::string> ConnectionStringItems::Get(std::string_view key) const {
+  const std::string wanted = Lowered(key);
+  for (const auto& [k, v] : items) {
+    if (Lowered(k) == wanted) return v;
+  }
+  return std::nullopt;
+}
+
+ConnectionStringItems ParseConnectionString(std::string_view text) {
+  ConnectionStringItems result;
+  size_t i = 0;
+  while (i < text.size()) {
+    const size_t eq = text.find('=', i);
+    const size_t semi = text.find(';', i);
+    if (eq == std::string_view::npos || (semi != std::string_view::npos && semi < eq)) {
+      // A piece without '=': skip it (an empty piece between two ';').
+      if (semi == std::string_view::npos) break;
+      i = semi + 1;
+      continue;
+    }
+    std::string key(Trim(text.substr(i, eq - i)));
+    size_t v = eq + 1;
+    while (v < text.size() && text[v] == ' ')
+      ++v;
+    std::string value;
+    if (v < text.size() && (text[v] == '{' || text[v] == '"')) {
+      const char close = text[v] == '{' ? '}' : '"';
+      const size_t end = text.find(close, v + 1);
+      const size_t stop = end == std::string_view::npos ? text.size() : end;
+      value = std::string(text.substr(v + 1, stop - v - 1));
+      i = stop == text.size() ? stop : stop + 1;
+      const size_t next = text.find(';', i);
+      i = next == std::string_view::npos ? text.size() : next + 1;
+    } else {
+      const size_t end = text.find(';', v);
+      const size_t stop = end == std::string_view::npos ? text.size() : end;
+      value = std::string(Trim(text.substr(v, stop - v)));
+      i = stop == text.size() ? stop : stop + 1;
+    }
+    if (!key.empty()) result.items.emplace_back(std::move(key), std::move(value));
+  }
+  return result;
+}
+
+bool IsSqliteFileName(std::string_view name) {
+  name = Trim(name);
+  if (name == ":memory:") return true;
+  if (name.find('/') != std::string_view::npos || name.find('\\') != std::string_view::npos) {
+    return true;
+  }
+  return EndsWithNoCase(name, ".db") || EndsWithNoCase(name, ".sqlite") ||
+         EndsWithNoCase(name, ".sqlite3");
+}
+
+DriverChoice ChooseDriver(std::string_view connection_string) {
+  const ConnectionStringItems items = ParseConnectionString(connection_string);
+  DriverChoice choice;
+  const std::string provider = Lowered(items.Get("Provider").value_or(""));
+  const std::string data_source = items.Get("Data Source").value_or("");
+  choice.data_source = data_source;
+
+  if (const auto mode = items.Get("Mode")) {
+    const std::string m = Lowered(*mode);
+    if (m == "readonly" || m == "read") {
+      choice.mode = DriverChoice::kReadOnly;
+    } else if (m == "readwrite" || m == "share deny none" || m.empty()) {
+      choice.mode = DriverChoice::kReadWrite;
+    } else if (m == "readwritecreate") {
+      choice.mode = DriverChoice::kReadWriteCreate;
+    } else {
+      throw Error(kErrProviderNotFound,
+                  "The connection string's Mode \"" + *mode +
+                      "\" is not one of ReadOnly, ReadWrite, ReadWriteCreate",
+                  "Connection");
+    }
+  }
+
+  if (items.Get("Driver")) {  // an ODBC string, as it stands
+    choice.kind = DriverChoice::kOdbc;
+    choice.odbc_string = std::string(connection_string);
+    choice.data_source = items.Get("DSN").value_or(*items.Get("Driver"));
+    return choice;
+  }
+  if (provider.rfind("sqlite", 0) == 0) {  // SQLite, SQLite3, SQLite.1 ...
+    choice.kind = DriverChoice::kSqlite;
+    choice.sqlite_path = data_source;
+    return choice;
+  }
+  if (provider.empty() || provider.rfind("msdatashape", 0) == 0 || provider == "msdasql" ||
+      provider.rfind("msdasql.", 0) == 0) {
+    if (!data_source.empty()) {
+      if (IsSqliteFileName(data_source)) {
+        choice.kind = DriverChoice::kSqlite;
+        choice.sqlite_path = data_source;
+      } else {
+        // The provider's own keys for the credentials go to ODBC as UID and PWD.
+        choice.kind = DriverChoice::kOdbc;
+        choice.odbc_string = "DSN=" + data_source;
+        choice.user = items.Get("User ID").value_or("");
+        choice.password = items.Get("Password").value_or("");
+      }
+      return choice;
+    }
+    if (const auto dsn = items.Get("DSN")) {
+      // The ODBC keys as they stand; the provider keys are ours.
+      choice.kind = DriverChoice::kOdbc;
+      for (const auto& [key, value] : items.items) {
+        const std::string k = Lowered(key);
+        if (k == "provider" || k == "data provider") continue;
+        choice.odbc_string += key + "=" + value + ";";
+      }
+      choice.data_source = *dsn;
+      return choice;
+    }
+  }
+  return choice;  // kUnknown
+}
+
+}  // namespace kelvary::internal

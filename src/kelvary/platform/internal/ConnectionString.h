@@ -1,0 +1,44 @@
+// ConnectionString: reads "key=value;key=value" connection strings and
+// decides which driver one names. Keys compare without regard to case;
+// a value may be wrapped in {braces} or "quotes" to hold a ';'.
+// Pure functions; thread-safe.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kelvary::internal {
+
+struct ConnectionStringItems {
+  std::vector<std::pair<std::string, std::string>> items;  // in order, values unwrapped
+
+  // Get: the value of the first item with that key.
+  std::optional<std::string> Get(std::string_view key) const;
+};
+
+ConnectionStringItems ParseConnectionString(std::string_view text);
+
+// IsSqliteFileName: whether a data-source name names a SQLite database file
+// rather than an ODBC data source: it holds a path separator or ends in
+// .db, .sqlite or .sqlite3 (or is ":memory:").
+bool IsSqliteFileName(std::string_view name);
+
+// DriverChoice: what a connection string asks for.
+struct DriverChoice {
+  enum Kind { kSqlite, kOdbc, kUnknown } kind = kUnknown;
+  std::string sqlite_path;  // kSqlite
+  enum Mode { kReadOnly, kReadWrite, kReadWriteCreate } mode = kReadWrite;
+  std::string odbc_string;  // kOdbc: what to hand the ODBC driver manager
+  std::string data_source;  // the name the string gave, for messages
+  std::string user;         // the shaping form's User ID, if any
+  std::string password;     // the shaping form's Password, if any
+};
+
+// ChooseDriver reads connection_string. Throws Error 3706 (provider not
+// found) for a Mode it cannot read.
+DriverChoice ChooseDriver(std::string_view connection_string);
+
+}  // namespace kelvary::internal

@@ -1,0 +1,1105 @@
+#include "kelvary/platform/internal/CursorEngine.h"
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+#include <utility>
+
+#include "kelvary/platform/Connection.h"
+#include "kelvary/platform/internal/Criteria.h"
+#include "kelvary/platform/shape/ShapeProvider.h"
+
+namespace kelvary::internal {
+namespace {
+
+constexpr const char* kSource = "Recordset";
+constexpr int32_t kErrConnectionUnusable = 3709;
+constexpr uint32_t kFindsBeforeIndex = 2;  // a one-off Find scans; a repeated one builds an index
+
+inline char Lower(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (Lower(a[i]) != Lower(b[i])) return false;
+  }
+  return true;
+}
+
+bool IsNothing(const Variant& v) {
+  return v.IsNull() || v.IsEmpty();
+}
+
+[[noreturn]] void ThrowRowChanged() {
+  throw Error(kErrRowChanged,
+              "Row cannot be located for updating. Some values may have been changed since it "
+              "was last read.",
+              kSource);
+}
+
+// ConvertForColumn: a value assigned to a field, in the field's own type, so
+// that what is read back and what is written are what the column holds.
+Variant ConvertForColumn(DataTypeEnum type, const Variant& v) {
+  if (IsNothing(v)) return Variant::Null();
+  switch (type) {
+    case adSmallInt:
+    case adTinyInt:
+    case adUnsignedTinyInt:
+      return Variant(CInt(v));
+    case adInteger:
+    case adUnsignedSmallInt: {
+      const int64_t n = CLngLng(v);
+      if (n >= INT32_MIN && n <= INT32_MAX) return Variant(static_cast<int32_t>(n));
+      return Variant(n);
+    }
+    case adBigInt:
+    case adUnsignedInt:
+    case adUnsignedBigInt:
+      return Variant(CLngLng(v));
+    case adSingle:
+      return Variant(CSng(v));
+    case adDouble:
+    case adDecimal:
+    case adNumeric:
+    case adVarNumeric:
+      return Variant(CDbl(v));
+    case adCurrency:
+      return Variant(CCur(v));
+    case adDate:
+    case adDBDate:
+    case adDBTime:
+    case adDBTimeStamp:
+      return Variant(CDate(v));
+    case adBoolean:
+      return Variant(CBool(v));
+    case adBSTR:
+    case adChar:
+    case adWChar:
+    case adVarChar:
+    case adVarWChar:
+    case adLongVarChar:
+    case adLongVarWChar:
+    case adBinary:
+    case adVarBinary:
+    case adLongVarBinary:
+      if (v.IsString()) return v;
+      return Variant(CStr(v));
+    default:
+      return v;
+  }
+}
+
+int32_t StatusForConversion(const Error& error) {
+  return error.Number() == kErrOverflow ? adFieldDataOverflow : adFieldCantConvertValue;
+}
+
+}  // namespace
+
+size_t CaseInsensitiveHash::operator()(std::string_view s) const {
+  size_t h = 1469598103934665603ull;  // FNV-1a over the lowered bytes
+  for (char c : s) {
+    h ^= static_cast<unsigned char>(Lower(c));
+    h *= 1099511628211ull;
+  }
+  return h;
+}
+
+bool CaseInsensitiveEqual::operator()(std::string_view a, std::string_view b) const {
+  return EqualsNoCase(a, b);
+}
+
+std::string QuoteName(const std::string& name) {
+  bool plain = !name.empty() && !std::isdigit(static_cast<unsigned char>(name[0]));
+  for (char c : name) {
+    if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') plain = false;
+  }
+  if (plain) return name;
+  std::string quoted = "\"";
+  for (char c : name) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + "\"";
+}
+
+// BaseTable: what write-back needs to know about the table behind the rows.
+struct CursorEngine::BaseTable {
+  std::string table;
+  std::string quoted_table;
+  std::vector<int32_t> columns;        // ordinals of the table's own columns
+  std::vector<std::string> key_names;  // its key, as the driver names it
+  std::vector<int32_t> key_ordinals;   // ordinal per key column, -1 when not fetched
+  bool key_fetched = false;            // every key column is among the fields
+  bool IsBaseColumn(int32_t ordinal) const {
+    return std::find(columns.begin(), columns.end(), ordinal) != columns.end();
+  }
+};
+
+// EqualityIndex: for repeated Find "column = number", the positions (in
+// order_) of each numeric value of one column. Dropped whenever rows,
+// values or the order change.
+struct CursorEngine::EqualityIndex {
+  int32_t column = -1;
+  uint32_t finds = 0;  // equality Finds on column since the last change
+  bool built = false;
+  bool usable = false;  // every value of the column is a number (or Null)
+  std::unordered_map<double, std::vector<uint32_t>> positions;
+};
+
+CursorEngine::CursorEngine() = default;
+CursorEngine::~CursorEngine() = default;
+
+// ---- Opening and closing -------------------------------------------------
+
+void CursorEngine::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
+                        CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options) {
+  RequireClosed();
+  if (options == adCmdTable || options == adCmdTableDirect) {
+    Open("SELECT * FROM " + QuoteName(source), connection, cursor_type, lock_type, adCmdText);
+    return;
+  }
+  if (!connection || connection->State() != adStateOpen) {
+    throw Error(kErrConnectionUnusable,
+                "The connection cannot be used to perform this operation. It is either closed "
+                "or invalid in this context.",
+                kSource);
+  }
+  const LockTypeEnum lock = lock_type == adLockUnspecified ? adLockReadOnly : lock_type;
+  connection->errors_.clear();
+  if (shape::IsShapeCommand(source)) {
+    try {
+      shape::OpenShape(source, connection, *this,
+                       shape::ShapeRequest{cursor_type, lock, max_records_});
+    } catch (const Error& e) {
+      connection->errors_.assign(1, e);
+      throw;
+    }
+    source_ = source;
+    connection_ = connection;
+    cursor_type_ = adOpenStatic;
+    return;
+  }
+  StatementResult result;
+  try {
+    result = connection->Driver().Run(source, {}, max_records_);
+  } catch (const Error& e) {
+    connection->errors_.assign(1, e);
+    throw;
+  }
+  source_ = source;
+  connection_ = connection;
+  lock_type_ = lock;
+  if (!result.has_rows) return;  // the statement ran; there is nothing to hold
+  Load(std::move(result.rows),
+       LoadOptions{source, connection, lock,
+                   lock == adLockReadOnly ? WriteMode::kReadOnly : WriteMode::kBaseTable});
+}
+
+void CursorEngine::Load(RowSet rows, LoadOptions options) {
+  RequireClosed();
+  columns_ = std::move(rows.columns);
+  width_ = columns_.size();
+  cells_ = std::move(rows.cells);
+  if (width_ == 0) cells_.clear();
+  const size_t count = StoredRowCount();
+  deleted_.assign(count, 0);
+  order_.resize(count);
+  std::iota(order_.begin(), order_.end(), 0u);
+  fields_.clear();
+  fields_.reserve(width_);
+  names_.clear();
+  for (size_t i = 0; i < width_; ++i) {
+    fields_.push_back(Field(this, static_cast<int32_t>(i)));
+    names_.emplace(columns_[i].name, static_cast<int32_t>(i));  // the first of a name wins
+  }
+  source_ = std::move(options.source);
+  connection_ = std::move(options.connection);
+  lock_type_ = options.lock_type == adLockUnspecified ? adLockReadOnly : options.lock_type;
+  write_mode_ = options.write_mode;
+  cursor_type_ = adOpenStatic;  // a client-side cursor is static whatever was asked for
+  filter_.clear();
+  edit_mode_ = adEditNone;
+  originals_.clear();
+  changed_.assign(width_, false);
+  status_.assign(width_, adFieldOK);
+  base_.reset();
+  index_.reset();
+  open_ = true;
+  ResetPosition();
+}
+
+void CursorEngine::Close() {
+  RequireOpen();
+  // A pending change is dropped: the system cancels it before closing.
+  open_ = false;
+  edit_mode_ = adEditNone;
+  on_deleted_ = false;
+  columns_.clear();
+  fields_.clear();
+  names_.clear();
+  cells_.clear();
+  cells_.shrink_to_fit();
+  deleted_.clear();
+  order_.clear();
+  filter_.clear();
+  originals_.clear();
+  base_.reset();
+  index_.reset();
+  width_ = 0;
+  pos_ = 0;
+}
+
+void CursorEngine::MaxRecords(int32_t max_records) {
+  if (open_) {
+    throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
+  }
+  if (max_records < 0) {
+    throw Error(kErrInvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in "
+                "conflict with one another.",
+                kSource);
+  }
+  max_records_ = max_records;
+}
+
+// ---- Position ------------------------------------------------------------
+
+void CursorEngine::RequireOpen() const {
+  if (!open_) ThrowClosed();
+}
+
+void CursorEngine::RequireClosed() const {
+  if (open_) {
+    throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
+  }
+}
+
+void CursorEngine::ThrowClosed() {
+  throw Error(kErrObjectClosed, "Operation is not allowed when the object is closed.", kSource);
+}
+
+void CursorEngine::ThrowNoCurrentRecord() {
+  throw Error(kErrNoCurrentRecord,
+              "Either BOF or EOF is True, or the current record has been deleted. Requested "
+              "operation requires a current record.",
+              kSource);
+}
+
+uint32_t CursorEngine::CurrentRow() const {
+  if (!HasCurrent()) ThrowNoCurrentRecord();
+  return order_[static_cast<size_t>(pos_)];
+}
+
+void CursorEngine::ResetPosition() {
+  pos_ = 0;  // the first row, or EOF (and BOF) when there is none
+  on_deleted_ = false;
+  ResetStatus();
+}
+
+void CursorEngine::ResetStatus() {
+  std::fill(status_.begin(), status_.end(), adFieldOK);
+}
+
+bool CursorEngine::Bof() const {
+  RequireOpen();
+  if (on_deleted_) return false;  // the deleted row stays current until the cursor moves
+  return pos_ < 0 || order_.empty();
+}
+
+bool CursorEngine::Eof() const {
+  RequireOpen();
+  if (on_deleted_) return false;
+  return pos_ >= static_cast<ptrdiff_t>(order_.size()) || order_.empty();
+}
+
+int32_t CursorEngine::RecordCount() const {
+  RequireOpen();
+  return static_cast<int32_t>(order_.size());
+}
+
+int32_t CursorEngine::AbsolutePosition() const {
+  RequireOpen();
+  constexpr int32_t kPosUnknown = -1, kPosBof = -2, kPosEof = -3;
+  if (on_deleted_ || order_.empty()) return kPosUnknown;
+  if (pos_ >= static_cast<ptrdiff_t>(order_.size())) return kPosEof;
+  if (pos_ < 0) return kPosBof;
+  return static_cast<int32_t>(pos_ + 1);
+}
+
+Variant CursorEngine::Bookmark() const {
+  RequireOpen();
+  // A double, as the classic client cursor's bookmarks are, so that it can
+  // never be taken for one of the BookmarkEnum values.
+  return Variant(static_cast<double>(CurrentRow()) + 1.0);
+}
+
+void CursorEngine::Bookmark(const Variant& bookmark) {
+  RequireOpen();
+  const Variant* b = &bookmark;
+  const double* d = b->Get<double>();
+  ptrdiff_t position = -1;
+  if (d && *d >= 1.0 && *d <= static_cast<double>(StoredRowCount())) {
+    position = PositionOfRow(static_cast<uint32_t>(*d - 1.0));
+  }
+  if (position < 0) {
+    throw Error(kErrInvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in "
+                "conflict with one another. (The bookmark names no visible row.)",
+                kSource);
+  }
+  CommitPending();
+  pos_ = position;
+  on_deleted_ = false;
+  ResetStatus();
+}
+
+ptrdiff_t CursorEngine::PositionOfRow(uint32_t row) const {
+  // Rows keep storage order in order_ (a Filter keeps it too), so a binary
+  // search finds them.
+  auto it = std::lower_bound(order_.begin(), order_.end(), row);
+  if (it == order_.end() || *it != row) return -1;
+  return it - order_.begin();
+}
+
+void CursorEngine::MoveFirst() {
+  RequireOpen();
+  CommitPending();
+  if (order_.empty()) ThrowNoCurrentRecord();
+  pos_ = 0;
+  on_deleted_ = false;
+  ResetStatus();
+}
+
+void CursorEngine::MoveLast() {
+  RequireOpen();
+  CommitPending();
+  if (order_.empty()) ThrowNoCurrentRecord();
+  pos_ = static_cast<ptrdiff_t>(order_.size()) - 1;
+  on_deleted_ = false;
+  ResetStatus();
+}
+
+void CursorEngine::MoveNext() {
+  RequireOpen();
+  CommitPending();
+  if (on_deleted_) {
+    on_deleted_ = false;  // pos_ already names the row after the deleted one
+  } else {
+    if (Eof()) ThrowNoCurrentRecord();
+    ++pos_;
+  }
+  ResetStatus();
+}
+
+void CursorEngine::MovePrevious() {
+  RequireOpen();
+  CommitPending();
+  if (on_deleted_) {
+    on_deleted_ = false;
+    --pos_;
+  } else {
+    if (Bof()) ThrowNoCurrentRecord();
+    if (pos_ >= static_cast<ptrdiff_t>(order_.size())) pos_ = static_cast<ptrdiff_t>(order_.size());
+    --pos_;
+  }
+  if (pos_ < 0) pos_ = -1;
+  ResetStatus();
+}
+
+void CursorEngine::Move(int32_t rows) {
+  RequireOpen();
+  if (rows == 0) {
+    if (!HasCurrent()) ThrowNoCurrentRecord();
+    return;
+  }
+  CommitPending();
+  const ptrdiff_t size = static_cast<ptrdiff_t>(order_.size());
+  ptrdiff_t target;
+  if (on_deleted_) {
+    target = rows > 0 ? pos_ - 1 + rows : pos_ + rows;
+  } else {
+    if ((rows > 0 && Eof()) || (rows < 0 && Bof())) ThrowNoCurrentRecord();
+    target = pos_ + rows;
+  }
+  pos_ = std::clamp<ptrdiff_t>(target, -1, size);
+  on_deleted_ = false;
+  ResetStatus();
+}
+
+void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
+                        SearchDirectionEnum direction, const Variant& start) {
+  RequireOpen();
+  const Criteria criteria =
+      Criteria::Parse(criteria_text, [this](std::string_view n) { return ResolveColumn(n); });
+  if (!criteria.IsSingleComparison()) {
+    throw Error(kErrBadCriteria,
+                "Cannot use the criteria \"" + criteria_text +
+                    "\": Find takes one comparison (Filter takes AND and OR)",
+                kSource);
+  }
+  if (direction != adSearchForward && direction != adSearchBackward) {
+    throw Error(kErrInvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in "
+                "conflict with one another. (The search direction is neither forward nor "
+                "backward.)",
+                kSource);
+  }
+  const int step = direction == adSearchForward ? 1 : -1;
+  ptrdiff_t origin;
+  bool from_deleted = false;
+  int32_t where = adBookmarkCurrent;
+  if (const auto* i = start.Get<int32_t>()) {
+    where = *i;
+  } else if (const auto* s = start.Get<int16_t>()) {
+    where = *s;
+  } else if (!start.IsEmpty()) {
+    where = -1;  // a bookmark
+  }
+  switch (where) {
+    case adBookmarkCurrent:
+      origin = pos_;
+      from_deleted = on_deleted_;
+      break;
+    case adBookmarkFirst:
+      origin = 0;
+      break;
+    case adBookmarkLast:
+      origin = static_cast<ptrdiff_t>(order_.size()) - 1;
+      break;
+    default: {
+      const double* d = start.Get<double>();
+      origin = -1;
+      if (d && *d >= 1.0 && *d <= static_cast<double>(StoredRowCount())) {
+        origin = PositionOfRow(static_cast<uint32_t>(*d - 1.0));
+      }
+      if (origin < 0) {
+        throw Error(kErrInvalidArgument,
+                    "Arguments are of the wrong type, are out of acceptable range, or are in "
+                    "conflict with one another. (The start bookmark names no visible row.)",
+                    kSource);
+      }
+    }
+  }
+  CommitPending();
+  const ptrdiff_t size = static_cast<ptrdiff_t>(order_.size());
+  ptrdiff_t from;
+  if (from_deleted) {
+    // The deleted row sat just before pos_: skip counts from that gap.
+    from = step > 0 ? pos_ + std::max(skip_rows - 1, 0) : pos_ - 1 - std::max(skip_rows - 1, 0);
+  } else {
+    from = origin + static_cast<ptrdiff_t>(skip_rows) * step;
+  }
+  if (step > 0 && from < 0) from = 0;
+  if (step < 0 && from >= size) from = size - 1;
+
+  ptrdiff_t found = FindByIndex(criteria, from, step);
+  if (found == -2) {  // no index: scan
+    found = -1;
+    for (ptrdiff_t i = from; i >= 0 && i < size; i += step) {
+      if (criteria.Matches(StoredRow(order_[static_cast<size_t>(i)]))) {
+        found = i;
+        break;
+      }
+    }
+  }
+  on_deleted_ = false;
+  pos_ = found >= 0 ? found : (step > 0 ? size : -1);
+  ResetStatus();
+}
+
+// FindByIndex answers "column = number" from the equality index: the first
+// position at or after from (before, backwards) holding the value; -1 when
+// there is none, -2 when the index cannot answer.
+ptrdiff_t CursorEngine::FindByIndex(const Criteria& criteria, ptrdiff_t from, int step) {
+  const auto equality = criteria.ColumnEquals();
+  if (!equality) return -2;
+  const Variant& literal = *equality->value;
+  if (!literal.IsNumber()) return -2;
+  if (!index_ || index_->column != equality->column) {
+    index_ = std::make_unique<EqualityIndex>();
+    index_->column = equality->column;
+  }
+  EqualityIndex& index = *index_;
+  if (!index.built) {
+    if (++index.finds < kFindsBeforeIndex) return -2;
+    index.built = true;
+    index.usable = true;
+    for (size_t p = 0; p < order_.size(); ++p) {
+      const Variant& v = cells_[order_[p] * width_ + static_cast<size_t>(index.column)];
+      if (IsNothing(v)) continue;
+      if (!v.IsNumber() && v.Type() != vbBoolean && v.Type() != vbDate) {
+        index.usable = false;  // texts compare with numbers by their reading: scan
+        index.positions.clear();
+        break;
+      }
+      index.positions[CDbl(v)].push_back(static_cast<uint32_t>(p));
+    }
+  }
+  if (!index.usable) return -2;
+  const double key = CDbl(literal);
+  auto it = index.positions.find(key);
+  if (it == index.positions.end()) return -1;
+  const std::vector<uint32_t>& list = it->second;
+  const ptrdiff_t size = static_cast<ptrdiff_t>(order_.size());
+  if (from < 0 || from >= size) return -1;
+  if (step > 0) {
+    auto p = std::lower_bound(list.begin(), list.end(), static_cast<uint32_t>(from));
+    return p == list.end() ? -1 : static_cast<ptrdiff_t>(*p);
+  }
+  auto p = std::upper_bound(list.begin(), list.end(), static_cast<uint32_t>(from));
+  return p == list.begin() ? -1 : static_cast<ptrdiff_t>(*(p - 1));
+}
+
+void CursorEngine::Filter(const std::string& criteria_text) {
+  RequireOpen();
+  const bool clear = std::all_of(criteria_text.begin(), criteria_text.end(), [](char c) {
+    return std::isspace(static_cast<unsigned char>(c));
+  });
+  std::optional<Criteria> criteria;
+  if (!clear) {
+    criteria =
+        Criteria::Parse(criteria_text, [this](std::string_view n) { return ResolveColumn(n); });
+  }
+  CommitPending();
+  RebuildOrder(criteria ? &*criteria : nullptr);
+  filter_ = clear ? std::string() : criteria_text;
+  ResetPosition();
+}
+
+void CursorEngine::RebuildOrder(const Criteria* criteria) {
+  order_.clear();
+  const size_t count = StoredRowCount();
+  for (size_t row = 0; row < count; ++row) {
+    if (deleted_[row]) continue;
+    if (criteria && !criteria->Matches(StoredRow(row))) continue;
+    order_.push_back(static_cast<uint32_t>(row));
+  }
+  ChangedRows();
+}
+
+void CursorEngine::ChangedRows() {
+  index_.reset();
+}
+
+// ---- Fields ----------------------------------------------------------------
+
+int32_t CursorEngine::FieldCount() const {
+  RequireOpen();
+  return static_cast<int32_t>(width_);
+}
+
+Field& CursorEngine::FieldAt(int32_t ordinal) {
+  RequireOpen();
+  if (ordinal < 0 || static_cast<size_t>(ordinal) >= width_) {
+    throw Error(kErrItemNotFound,
+                "Item cannot be found in the collection corresponding to the requested name or "
+                "ordinal. (Ordinal " +
+                    std::to_string(ordinal) + ")",
+                kSource);
+  }
+  return fields_[static_cast<size_t>(ordinal)];
+}
+
+Field& CursorEngine::FieldNamed(std::string_view name) {
+  RequireOpen();
+  auto it = names_.find(name);
+  if (it == names_.end()) {
+    throw Error(kErrItemNotFound,
+                "Item cannot be found in the collection corresponding to the requested name or "
+                "ordinal. (Field \"" +
+                    std::string(name) + "\")",
+                kSource);
+  }
+  return fields_[static_cast<size_t>(it->second)];
+}
+
+bool CursorEngine::HasField(std::string_view name) const {
+  RequireOpen();
+  return names_.find(name) != names_.end();
+}
+
+int32_t CursorEngine::ResolveColumn(std::string_view name) const {
+  auto it = names_.find(name);
+  return it == names_.end() ? -1 : it->second;
+}
+
+Variant CursorEngine::OriginalValue(int32_t ordinal) const {
+  RequireOpen();
+  const uint32_t row = CurrentRow();
+  if (edit_mode_ != adEditNone && row == edit_row_) return originals_[static_cast<size_t>(ordinal)];
+  return cells_[row * width_ + static_cast<size_t>(ordinal)];
+}
+
+int32_t CursorEngine::Status(int32_t ordinal) const {
+  RequireOpen();
+  return status_[static_cast<size_t>(ordinal)];
+}
+
+void CursorEngine::RequireWritable() const {
+  if (write_mode_ == WriteMode::kReadOnly) {
+    throw Error(kErrOperationNotSupported,
+                "Current Recordset does not support updating. This may be a limitation of the "
+                "provider, or of the selected locktype.",
+                kSource);
+  }
+}
+
+void CursorEngine::SetValue(int32_t ordinal, const Variant& value) {
+  RequireOpen();
+  const uint32_t row = CurrentRow();
+  RequireWritable();
+  const ColumnInfo& column = columns_[static_cast<size_t>(ordinal)];
+  if (column.type == adChapter) {
+    throw Error(kErrOperationNotSupported,
+                "Current Recordset does not support updating. This may be a limitation of the "
+                "provider, or of the selected locktype. (A chapter field cannot be set.)",
+                kSource);
+  }
+  Variant converted;
+  try {
+    converted = ConvertForColumn(column.type, value);
+  } catch (const Error& e) {
+    status_[static_cast<size_t>(ordinal)] = StatusForConversion(e);
+    throw Error(kErrInvalidArgument,
+                "Multiple-step operation generated errors. Check each status value. (Field \"" +
+                    column.name + "\": " + e.Description() + ")",
+                kSource);
+  }
+  if (edit_mode_ == adEditNone) BeginEdit(row);
+  cells_[row * width_ + static_cast<size_t>(ordinal)] = std::move(converted);
+  changed_[static_cast<size_t>(ordinal)] = true;
+  status_[static_cast<size_t>(ordinal)] = adFieldOK;
+  ChangedRows();
+}
+
+// ---- Changes ---------------------------------------------------------------
+
+EditModeEnum CursorEngine::EditMode() const {
+  RequireOpen();
+  if (on_deleted_) return adEditDelete;
+  return edit_mode_;
+}
+
+void CursorEngine::BeginEdit(uint32_t row) {
+  edit_mode_ = adEditInProgress;
+  edit_row_ = row;
+  const Variant* cells = StoredRow(row);
+  originals_.assign(cells, cells + width_);
+  std::fill(changed_.begin(), changed_.end(), false);
+}
+
+void CursorEngine::EndEdit() {
+  edit_mode_ = adEditNone;
+  originals_.clear();
+  std::fill(changed_.begin(), changed_.end(), false);
+}
+
+void CursorEngine::CommitPending() {
+  if (edit_mode_ != adEditNone) Update();
+}
+
+void CursorEngine::AddNew() {
+  RequireOpen();
+  RequireWritable();
+  CommitPending();
+  const uint32_t row = static_cast<uint32_t>(StoredRowCount());
+  pos_before_add_ =
+      on_deleted_ ? std::min<ptrdiff_t>(pos_, static_cast<ptrdiff_t>(order_.size())) : pos_;
+  cells_.resize(cells_.size() + width_, Variant::Null());
+  deleted_.push_back(0);
+  order_.push_back(row);
+  pos_ = static_cast<ptrdiff_t>(order_.size()) - 1;
+  on_deleted_ = false;
+  edit_mode_ = adEditAdd;
+  edit_row_ = row;
+  originals_.assign(width_, Variant::Null());
+  std::fill(changed_.begin(), changed_.end(), false);
+  ResetStatus();
+  ChangedRows();
+}
+
+void CursorEngine::Update() {
+  RequireOpen();
+  if (edit_mode_ == adEditNone) return;
+  if (write_mode_ == WriteMode::kBaseTable) {
+    if (edit_mode_ == adEditAdd) {
+      WriteInsert(edit_row_);
+    } else {
+      WriteUpdate(edit_row_);
+    }
+  }
+  EndEdit();
+  ResetStatus();
+}
+
+void CursorEngine::CancelUpdate() {
+  RequireOpen();
+  if (edit_mode_ == adEditAdd) {
+    // The new row is always the last one stored and, since AddNew appended
+    // it, the last one in order_.
+    cells_.resize(cells_.size() - width_);
+    deleted_.pop_back();
+    order_.erase(std::find(order_.begin(), order_.end(), edit_row_));
+    pos_ = std::min<ptrdiff_t>(pos_before_add_, static_cast<ptrdiff_t>(order_.size()));
+    ChangedRows();
+  } else if (edit_mode_ == adEditInProgress) {
+    std::copy(originals_.begin(), originals_.end(), cells_.begin() + edit_row_ * width_);
+    ChangedRows();
+  }
+  EndEdit();
+  ResetStatus();
+}
+
+void CursorEngine::Delete() {
+  RequireOpen();
+  const uint32_t row = CurrentRow();
+  RequireWritable();
+  if (edit_mode_ == adEditAdd) {  // deleting a row not yet added drops it
+    CancelUpdate();
+    return;
+  }
+  if (edit_mode_ == adEditInProgress) CancelUpdate();
+  if (write_mode_ == WriteMode::kBaseTable) WriteDelete(row);
+  deleted_[row] = 1;
+  order_.erase(order_.begin() + pos_);
+  on_deleted_ = true;
+  ResetStatus();
+  ChangedRows();
+}
+
+// ---- Write-back --------------------------------------------------------------
+
+DriverConnection& CursorEngine::Driver() {
+  if (!connection_ || connection_->State() != adStateOpen) ThrowClosed();
+  return connection_->Driver();
+}
+
+void CursorEngine::RecordError(const Error& error) const {
+  if (connection_) connection_->errors_.assign(1, error);
+}
+
+CursorEngine::BaseTable& CursorEngine::Base() {
+  if (base_) return *base_;
+  auto base = std::make_unique<BaseTable>();
+  for (size_t i = 0; i < width_; ++i) {
+    const ColumnInfo& c = columns_[i];
+    if (c.base_table.empty() || c.base_column.empty()) continue;
+    if (base->table.empty()) {
+      base->table = c.base_table;
+    } else if (!EqualsNoCase(base->table, c.base_table)) {
+      throw Error(kErrProviderFailure,
+                  "Insufficient base table information for updating or refreshing. (The rows "
+                  "come from more than one table.)",
+                  kSource);
+    }
+    base->columns.push_back(static_cast<int32_t>(i));
+  }
+  if (base->table.empty()) {
+    throw Error(kErrProviderFailure,
+                "Insufficient base table information for updating or refreshing. (No field "
+                "comes from a table.)",
+                kSource);
+  }
+  base->quoted_table = QuoteName(base->table);
+  base->key_names = Driver().KeyColumns(base->table);
+  base->key_fetched = !base->key_names.empty();
+  for (const std::string& key : base->key_names) {
+    int32_t ordinal = -1;
+    for (int32_t c : base->columns) {
+      if (EqualsNoCase(columns_[static_cast<size_t>(c)].base_column, key)) {
+        ordinal = c;
+        break;
+      }
+    }
+    base->key_ordinals.push_back(ordinal);
+    if (ordinal < 0) base->key_fetched = false;
+  }
+  base_ = std::move(base);
+  return *base_;
+}
+
+// LocateClause: the WHERE text that finds the row as it was read: by its key
+// and, for an update, the original values of the changed fields; without a
+// fetched key, by the original values of all the table's fields.
+std::string CursorEngine::LocateClause(const Variant* originals, const std::vector<bool>* changed,
+                                       std::vector<Variant>& params) {
+  BaseTable& base = Base();
+  DriverConnection& driver = Driver();
+  std::string where;
+  auto add = [&](int32_t ordinal) {
+    const ColumnInfo& column = columns_[static_cast<size_t>(ordinal)];
+    const Variant& original = originals[ordinal];
+    if (!where.empty()) where += " AND ";
+    const std::string name = QuoteName(column.base_column);
+    if (IsNothing(original)) {
+      where += name + " IS NULL";
+    } else {
+      where += driver.EqualsParameter(name, column.type);
+      params.push_back(original);
+    }
+  };
+  if (base.key_fetched) {
+    for (int32_t k : base.key_ordinals)
+      add(k);
+    if (changed) {
+      for (int32_t c : base.columns) {
+        if ((*changed)[static_cast<size_t>(c)] &&
+            std::find(base.key_ordinals.begin(), base.key_ordinals.end(), c) ==
+                base.key_ordinals.end()) {
+          add(c);
+        }
+      }
+    }
+  } else {
+    for (int32_t c : base.columns)
+      add(c);
+  }
+  return where;
+}
+
+void CursorEngine::WriteUpdate(uint32_t row) {
+  BaseTable& base = Base();
+  const Variant* cells = StoredRow(row);
+  std::string set;
+  std::vector<Variant> params;
+  for (int32_t c : base.columns) {
+    if (!changed_[static_cast<size_t>(c)]) continue;
+    if (!set.empty()) set += ", ";
+    set += QuoteName(columns_[static_cast<size_t>(c)].base_column) + " = ?";
+    params.push_back(cells[c]);
+  }
+  if (set.empty()) return;  // only fields that no table holds were changed
+  std::vector<Variant> where_params;
+  const std::string where = LocateClause(originals_.data(), &changed_, where_params);
+  params.insert(params.end(), where_params.begin(), where_params.end());
+  DriverConnection& driver = Driver();
+  const std::string sql = "UPDATE " + base.quoted_table + " SET " + set + " WHERE " + where;
+  StatementResult result;
+  try {
+    if (!base.key_fetched) {
+      const StatementResult count = driver.Run(
+          "SELECT COUNT(*) FROM " + base.quoted_table + " WHERE " + where, where_params, 0);
+      if (count.rows.RowCount() == 1 && CLngLng(count.rows.Cell(0, 0)) > 1) {
+        throw Error(kErrProviderFailure,
+                    "Insufficient key column information for updating or refreshing. (" +
+                        CStr(count.rows.Cell(0, 0)) + " rows of " + base.table +
+                        " hold the same values and the key is not among the fields.)",
+                    kSource)
+            .WithStatement(sql);
+      }
+    }
+    result = driver.Run(sql, params, 0);
+  } catch (const Error& e) {
+    MarkFailedFields(e);
+    RecordError(e);
+    throw;
+  }
+  if (result.records_affected == 0) {
+    // Which of the changed fields moved under us: read the row again by its
+    // key; without a key (or when the row is gone) all of them are suspect.
+    std::vector<bool> offending = changed_;
+    if (base.key_fetched) {
+      std::string columns_sql;
+      std::string key_where;
+      std::vector<Variant> key_params;
+      std::vector<int32_t> read;
+      for (int32_t c : base.columns) {
+        if (!changed_[static_cast<size_t>(c)]) continue;
+        columns_sql += (columns_sql.empty() ? "" : ", ") +
+                       QuoteName(columns_[static_cast<size_t>(c)].base_column);
+        read.push_back(c);
+      }
+      for (int32_t k : base.key_ordinals) {
+        key_where += (key_where.empty() ? "" : " AND ") +
+                     QuoteName(columns_[static_cast<size_t>(k)].base_column) + " = ?";
+        key_params.push_back(originals_[static_cast<size_t>(k)]);
+      }
+      try {
+        const StatementResult now = driver.Run(
+            "SELECT " + columns_sql + " FROM " + base.quoted_table + " WHERE " + key_where,
+            key_params, 1);
+        if (now.rows.RowCount() == 1) {
+          for (size_t i = 0; i < read.size(); ++i) {
+            const Variant& was = originals_[static_cast<size_t>(read[i])];
+            const Variant& is = now.rows.Cell(0, i);
+            const bool same =
+                IsNothing(was) ? IsNothing(is) : (!IsNothing(is) && CompareValues(was, is) == 0);
+            offending[static_cast<size_t>(read[i])] = !same;
+          }
+        }
+      } catch (const Error&) {
+        // Keep every changed field marked.
+      }
+    }
+    for (size_t c = 0; c < width_; ++c) {
+      if (offending[c]) status_[c] = adFieldUnavailable;
+    }
+    try {
+      ThrowRowChanged();
+    } catch (Error& e) {
+      e.WithStatement(sql);
+      RecordError(e);
+      throw;
+    }
+  }
+}
+
+void CursorEngine::WriteInsert(uint32_t row) {
+  BaseTable& base = Base();
+  const Variant* cells = StoredRow(row);
+  std::string names;
+  std::string marks;
+  std::vector<Variant> params;
+  for (int32_t c : base.columns) {
+    if (!changed_[static_cast<size_t>(c)]) continue;  // unset fields take the table's defaults
+    if (!names.empty()) {
+      names += ", ";
+      marks += ", ";
+    }
+    names += QuoteName(columns_[static_cast<size_t>(c)].base_column);
+    marks += "?";
+    params.push_back(cells[c]);
+  }
+  const std::string sql = names.empty() ? "INSERT INTO " + base.quoted_table + " DEFAULT VALUES"
+                                        : "INSERT INTO " + base.quoted_table + " (" + names +
+                                              ") VALUES (" + marks + ")";
+  DriverConnection& driver = Driver();
+  std::vector<Variant> key_values;
+  try {
+    driver.Run(sql, params, 0);
+  } catch (const Error& e) {
+    MarkFailedFields(e);
+    RecordError(e);
+    throw;
+  }
+  // The row is written from here on: what follows must not fail the Update,
+  // or a second Update would insert it twice.
+  try {
+    // The key of the new row: as set, or as the database generated it.
+    for (size_t k = 0; k < base.key_names.size(); ++k) {
+      const int32_t ordinal = base.key_ordinals[k];
+      Variant value =
+          ordinal >= 0 ? cells_[row * width_ + static_cast<size_t>(ordinal)] : Variant();
+      if (IsNothing(value)) {
+        value = driver.LastInsertedKey(base.table, base.key_names[k]);
+        if (ordinal >= 0 && !value.IsEmpty()) {
+          cells_[row * width_ + static_cast<size_t>(ordinal)] =
+              ConvertForColumn(columns_[static_cast<size_t>(ordinal)].type, value);
+        }
+      }
+      key_values.push_back(std::move(value));
+    }
+  } catch (const Error&) {
+    return;  // the key stays unknown; the row cannot be read back
+  }
+  Resync(row, key_values);
+}
+
+// Resync reads a newly inserted row back by its key, so that the values the
+// database supplied (defaults, generated keys) are what the recordset holds
+// and what a later update compares against.
+void CursorEngine::Resync(uint32_t row, const std::vector<Variant>& key_values) {
+  BaseTable& base = Base();
+  if (key_values.empty()) return;
+  for (const Variant& v : key_values) {
+    if (IsNothing(v)) return;
+  }
+  std::string columns_sql;
+  for (int32_t c : base.columns) {
+    columns_sql +=
+        (columns_sql.empty() ? "" : ", ") + QuoteName(columns_[static_cast<size_t>(c)].base_column);
+  }
+  std::string where;
+  for (const std::string& key : base.key_names) {
+    where += (where.empty() ? "" : " AND ") + QuoteName(key) + " = ?";
+  }
+  try {
+    const StatementResult now = Driver().Run(
+        "SELECT " + columns_sql + " FROM " + base.quoted_table + " WHERE " + where, key_values, 2);
+    if (now.rows.RowCount() != 1) return;
+    for (size_t i = 0; i < base.columns.size(); ++i) {
+      cells_[row * width_ + static_cast<size_t>(base.columns[i])] = now.rows.Cell(0, i);
+    }
+    ChangedRows();
+  } catch (const Error&) {
+    // The row is written; reading it back is a courtesy.
+  }
+}
+
+void CursorEngine::WriteDelete(uint32_t row) {
+  BaseTable& base = Base();
+  std::vector<Variant> params;
+  const std::string where = LocateClause(StoredRow(row), nullptr, params);
+  const std::string sql = "DELETE FROM " + base.quoted_table + " WHERE " + where;
+  DriverConnection& driver = Driver();
+  StatementResult result;
+  try {
+    if (!base.key_fetched) {
+      const StatementResult count =
+          driver.Run("SELECT COUNT(*) FROM " + base.quoted_table + " WHERE " + where, params, 0);
+      if (count.rows.RowCount() == 1 && CLngLng(count.rows.Cell(0, 0)) > 1) {
+        throw Error(kErrProviderFailure,
+                    "Insufficient key column information for updating or refreshing. (" +
+                        CStr(count.rows.Cell(0, 0)) + " rows of " + base.table +
+                        " hold the same values and the key is not among the fields.)",
+                    kSource)
+            .WithStatement(sql);
+      }
+    }
+    result = driver.Run(sql, params, 0);
+  } catch (const Error& e) {
+    RecordError(e);
+    throw;
+  }
+  if (result.records_affected == 0) {
+    try {
+      ThrowRowChanged();
+    } catch (Error& e) {
+      e.WithStatement(sql);
+      RecordError(e);
+      throw;
+    }
+  }
+}
+
+// MarkFailedFields sets the status of the fields a rejected write names
+// ("NOT NULL constraint failed: t.col", "UNIQUE constraint failed: t.a,
+// t.b"); a constraint that names no field marks every changed one.
+void CursorEngine::MarkFailedFields(const Error& error) {
+  const std::string& message = error.Description();
+  const size_t at = message.find("constraint failed");
+  if (at == std::string::npos) return;
+  bool named = false;
+  const size_t colon = message.find(':', at);
+  if (colon != std::string::npos) {
+    std::string_view rest(message);
+    rest.remove_prefix(colon + 1);
+    while (!rest.empty()) {
+      size_t comma = rest.find(',');
+      std::string_view item = rest.substr(0, comma);
+      while (!item.empty() && item.front() == ' ')
+        item.remove_prefix(1);
+      while (!item.empty() && item.back() == ' ')
+        item.remove_suffix(1);
+      const size_t dot = item.rfind('.');
+      if (dot != std::string_view::npos) item.remove_prefix(dot + 1);
+      for (size_t c = 0; c < width_; ++c) {
+        if (EqualsNoCase(columns_[c].base_column, item)) {
+          status_[c] = adFieldSchemaViolation;
+          named = true;
+        }
+      }
+      if (comma == std::string_view::npos) break;
+      rest.remove_prefix(comma + 1);
+    }
+  }
+  if (!named) {
+    for (size_t c = 0; c < width_; ++c) {
+      if (changed_[c]) status_[c] = adFieldSchemaViolation;
+    }
+  }
+}
+
+}  // namespace kelvary::internal

@@ -1,0 +1,233 @@
+// CursorEngine: the client-side cursor behind every Recordset. It owns the
+// rows fetched into memory, the visible order (Filter), the current position,
+// the edit buffer, and the write-back of changes to the base table through
+// the connection's driver. Recordset and Field are thin handles over it.
+//
+// Storage: the cells of all rows sit in one flat vector, row by row (the
+// driver's RowSet is moved in, never copied); a row is addressed by its
+// index there ("row id", stable for the life of the recordset). The visible
+// rows are a vector of row ids in order; a Filter rebuilds it, a Delete
+// erases from it, so RecordCount is its size and always exact. Only the row
+// being edited keeps a copy of its original values.
+//
+// Rows that do not come from one driver statement (the data-shaping layer):
+// build a RowSet yourself and hand it to Load. A hierarchical result is
+// built bottom-up:
+//   1. for each parent row, make the child recordset of its related child
+//      rows: auto child = std::make_shared<Recordset>();
+//      child->Engine().Load(std::move(child_rows), {source, connection});
+//   2. append to the parent's RowSet a ColumnInfo{name, adChapter} and, in
+//      every parent row, a cell Variant(child) (an empty child recordset
+//      when the row has no children, never Empty);
+//   3. target.Load(std::move(parent_rows), options).
+// Navigation, Find, Filter and RecordCount then work on parent and children
+// alike; a chapter field's Value is the child Recordset (Variant::ObjectAs).
+// Rows loaded this way are read-only unless LoadOptions::write_mode says
+// otherwise: kMemory (edits change the rows in memory only), or kBaseTable
+// with the connection, for rows whose ColumnInfo still names their base
+// table and column as the driver reported them (the edits are then written
+// as for a plain SELECT). Load leaves the cursor on the first row.
+//
+// One thread uses an engine at a time; Field handles point into it and stay
+// valid until the recordset is closed or reopened.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kelvary/platform/DataAccessTypes.h"
+#include "kelvary/platform/Error.h"
+#include "kelvary/platform/Recordset.h"
+#include "kelvary/platform/Variant.h"
+#include "kelvary/platform/drivers/Driver.h"
+
+namespace kelvary::internal {
+
+class Criteria;
+
+// WriteMode: where the changes of a recordset go.
+enum class WriteMode {
+  kReadOnly,   // changes are refused (Error 3251)
+  kMemory,     // changes stay in memory (in-memory and shaped rows)
+  kBaseTable,  // changes are written to the base table of a single-table SELECT
+};
+
+// LoadOptions: how rows handed to Load behave.
+struct LoadOptions {
+  std::string source;                      // read back by Recordset::Source
+  std::shared_ptr<Connection> connection;  // read back by ActiveConnection; may be null
+  LockTypeEnum lock_type = adLockReadOnly;
+  WriteMode write_mode = WriteMode::kReadOnly;
+};
+
+// CaseInsensitiveHash / CaseInsensitiveEqual: field names are found without
+// regard to case, and without building a lowered copy of the name.
+struct CaseInsensitiveHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const;
+};
+struct CaseInsensitiveEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const;
+};
+
+class CursorEngine {
+ public:
+  CursorEngine();
+  ~CursorEngine();
+  CursorEngine(const CursorEngine&) = delete;
+  CursorEngine& operator=(const CursorEngine&) = delete;
+
+  // Open runs source on connection (a SHAPE statement through the shaping
+  // layer) and holds its rows; a statement that returns no rows is run and
+  // leaves the recordset closed.
+  void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
+            CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options);
+  // Load holds rows that came from elsewhere and opens the recordset on the
+  // first of them. REQUIRES: closed.
+  void Load(RowSet rows, LoadOptions options);
+  void Close();
+  bool IsOpen() const { return open_; }
+
+  // Settings.
+  CursorTypeEnum CursorType() const { return cursor_type_; }
+  LockTypeEnum LockType() const { return lock_type_; }
+  const std::string& Source() const { return source_; }
+  std::shared_ptr<Connection> ActiveConnection() const { return connection_; }
+  int32_t MaxRecords() const { return max_records_; }
+  void MaxRecords(int32_t max_records);
+  WriteMode Mode() const { return write_mode_; }
+
+  // Position.
+  bool Bof() const;
+  bool Eof() const;
+  int32_t RecordCount() const;
+  int32_t AbsolutePosition() const;
+  Variant Bookmark() const;
+  void Bookmark(const Variant& bookmark);
+  void MoveFirst();
+  void MoveLast();
+  void MoveNext();
+  void MovePrevious();
+  void Move(int32_t rows);
+  void Find(const std::string& criteria, int32_t skip_rows, SearchDirectionEnum direction,
+            const Variant& start);
+  const std::string& Filter() const { return filter_; }
+  void Filter(const std::string& criteria);
+
+  // Fields.
+  int32_t FieldCount() const;
+  Field& FieldAt(int32_t ordinal);
+  Field& FieldNamed(std::string_view name);
+  bool HasField(std::string_view name) const;
+  const ColumnInfo& Column(int32_t ordinal) const { return columns_[static_cast<size_t>(ordinal)]; }
+  const Variant& Value(int32_t ordinal) const {
+    if (!open_) ThrowClosed();
+    if (!HasCurrent()) ThrowNoCurrentRecord();
+    return cells_[order_[static_cast<size_t>(pos_)] * width_ + static_cast<size_t>(ordinal)];
+  }
+  void SetValue(int32_t ordinal, const Variant& value);
+  Variant OriginalValue(int32_t ordinal) const;
+  int32_t Status(int32_t ordinal) const;
+
+  // Changes.
+  void AddNew();
+  void Update();
+  void Delete();
+  void CancelUpdate();
+  EditModeEnum EditMode() const;
+
+  // Rows in storage order, for the shaping layer and tests: the number of
+  // rows held (deleted ones included) and a row's cells.
+  size_t StoredRowCount() const { return width_ == 0 ? 0 : cells_.size() / width_; }
+  const Variant* StoredRow(size_t row_id) const { return cells_.data() + row_id * width_; }
+
+ private:
+  struct BaseTable;
+  struct EqualityIndex;
+
+  void RequireOpen() const;
+  void RequireClosed() const;
+  [[noreturn]] static void ThrowNoCurrentRecord();
+  [[noreturn]] static void ThrowClosed();
+  bool HasCurrent() const {
+    return !on_deleted_ && pos_ >= 0 && pos_ < static_cast<ptrdiff_t>(order_.size());
+  }
+  uint32_t CurrentRow() const;
+  void RequireWritable() const;
+  void ResetPosition();
+  void ResetStatus();
+  // CommitPending: the classic cursor writes a changed row when the cursor
+  // leaves it.
+  void CommitPending();
+  void BeginEdit(uint32_t row);
+  void EndEdit();
+  void RebuildOrder(const Criteria* criteria);
+  void ChangedRows();  // drops the caches that depend on cell values or order
+  int32_t ResolveColumn(std::string_view name) const;
+  ptrdiff_t PositionOfRow(uint32_t row) const;
+  ptrdiff_t FindByIndex(const Criteria& criteria, ptrdiff_t from, int step);
+
+  // Write-back (kBaseTable).
+  BaseTable& Base();
+  DriverConnection& Driver();
+  void WriteInsert(uint32_t row);
+  void WriteUpdate(uint32_t row);
+  void WriteDelete(uint32_t row);
+  std::string LocateClause(const Variant* originals, const std::vector<bool>* changed,
+                           std::vector<Variant>& params);
+  void Resync(uint32_t row, const std::vector<Variant>& key_values);
+  void MarkFailedFields(const Error& error);
+  void RecordError(const Error& error) const;
+
+  // Settings, kept while closed.
+  std::string source_;
+  std::shared_ptr<Connection> connection_;
+  CursorTypeEnum cursor_type_ = adOpenForwardOnly;
+  LockTypeEnum lock_type_ = adLockReadOnly;
+  int32_t max_records_ = 0;
+  bool open_ = false;
+  WriteMode write_mode_ = WriteMode::kReadOnly;
+
+  // Rows.
+  std::vector<ColumnInfo> columns_;
+  std::vector<Field> fields_;
+  std::unordered_map<std::string, int32_t, CaseInsensitiveHash, CaseInsensitiveEqual> names_;
+  size_t width_ = 0;
+  std::vector<Variant> cells_;
+  std::vector<uint8_t> deleted_;  // per row id
+  // The visible rows. Always in ascending row id (a Filter keeps storage
+  // order, AddNew appends the highest id), so a row's position is found by
+  // binary search; a Sort would have to give that up.
+  std::vector<uint32_t> order_;
+  std::string filter_;
+
+  // Position: an index into order_; -1 is BOF, order_.size() is EOF. After a
+  // Delete the deleted row stays current (on_deleted_) and pos_ names the
+  // row that followed it.
+  ptrdiff_t pos_ = 0;
+  bool on_deleted_ = false;
+
+  // The edit buffer.
+  EditModeEnum edit_mode_ = adEditNone;
+  uint32_t edit_row_ = 0;
+  std::vector<Variant> originals_;
+  std::vector<bool> changed_;
+  std::vector<int32_t> status_;
+  ptrdiff_t pos_before_add_ = 0;
+
+  std::unique_ptr<BaseTable> base_;
+  std::unique_ptr<EqualityIndex> index_;
+};
+
+// QuoteName: a table or column name as SQL text: as it stands when it is a
+// plain name, else in double quotes.
+std::string QuoteName(const std::string& name);
+
+}  // namespace kelvary::internal

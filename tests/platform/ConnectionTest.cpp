@@ -1,0 +1,198 @@
+// Connection: connection strings, statements, transactions and scripts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "RecordsetTestSupport.h"
+#include "kelvary/platform/SqlScript.h"
+#include "kelvary/platform/internal/ConnectionString.h"
+
+namespace kelvary::testing {
+namespace {
+
+TEST(Connection, ConnectionStringsPickTheDriver) {
+  TestDatabase db;
+  db.Run("CREATE TABLE t (n INTEGER); INSERT INTO t VALUES (42);");
+  const std::string strings[] = {
+      db.ConnectionString(),
+      db.ShapeConnectionString(),  // a data source that is a file path: built-in SQLite
+      "Provider=SQLite.1;Data Source=" + db.Path() + ";Mode=ReadOnly",
+      "Data Source=\"" + db.Path() + "\"",
+  };
+  for (const std::string& s : strings) {
+    auto c = std::make_shared<Connection>();
+    c->CursorLocation(adUseClient);
+    c->Open(s);
+    EXPECT_EQ(c->State(), adStateOpen) << s;
+    EXPECT_EQ(c->ConnectionString(), s);
+    EXPECT_EQ(c->CursorLocation(), adUseClient);
+    EXPECT_EQ(c->Execute("SELECT n FROM t")->Fields(0).Value(), Variant(int32_t{42})) << s;
+    c->Close();
+    EXPECT_EQ(c->State(), adStateClosed);
+    EXPECT_EQ(ErrorOf([&] { c->Execute("SELECT 1"); }).Number(), kErrObjectClosed);
+  }
+  auto read_only = std::make_shared<Connection>();
+  read_only->Open(db.ConnectionString() + ";Mode=ReadOnly");
+  EXPECT_NE(ErrorOf([&] { read_only->Execute("INSERT INTO t VALUES (1)"); })
+                .Description()
+                .find("readonly"),
+            std::string::npos);
+
+  const auto choice = internal::ChooseDriver(
+      "Provider=MSDataShape.1;Persist Security Info=False;Data Source=Main;Data Provider=MSDASQL");
+  EXPECT_EQ(choice.kind, internal::DriverChoice::kOdbc);
+  EXPECT_EQ(choice.odbc_string, "DSN=Main");
+  EXPECT_EQ(internal::ChooseDriver("Driver={PostgreSQL Unicode};Server=x;Database=y").odbc_string,
+            "Driver={PostgreSQL Unicode};Server=x;Database=y");
+  EXPECT_EQ(internal::ChooseDriver("Provider=MSDASQL;DSN=Main;UID=me").odbc_string,
+            "DSN=Main;UID=me;");
+  EXPECT_EQ(internal::ChooseDriver("Data Source=practice.sqlite3").kind,
+            internal::DriverChoice::kSqlite);
+}
+
+TEST(Connection, MissingFilesAndUnknownProvidersAreErrors) {
+  TempDir dir;
+  const std::string path = dir.File("absent.db");
+  auto c = std::make_shared<Connection>();
+  const Error missing = ErrorOf([&] { c->Open("Provider=SQLite;Data Source=" + path); });
+  EXPECT_EQ(missing.Number(), kErrProviderFailure);
+  EXPECT_NE(missing.Description().find(path), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(path));  // no empty database left behind
+  EXPECT_EQ(c->State(), adStateClosed);
+  ASSERT_EQ(c->Errors().size(), 1u);
+
+  c->Open("Provider=SQLite;Data Source=" + path + ";Mode=ReadWriteCreate");
+  EXPECT_TRUE(std::filesystem::exists(path));
+  EXPECT_EQ(ErrorOf([&] { c->Open("Provider=SQLite;Data Source=" + path); }).Number(),
+            kErrObjectOpen);
+  c->Close();
+
+  EXPECT_EQ(ErrorOf([&] { Connection().Open("Provider=Nonsense;Data Source=x"); }).Number(),
+            kErrProviderNotFound);
+  EXPECT_EQ(ErrorOf([&] {
+              Connection().Open("Provider=SQLite;Data Source=x.db;Mode=Sideways");
+            }).Number(),
+            kErrProviderNotFound);
+#ifndef KELVARY_HAVE_ODBC
+  const Error odbc = ErrorOf([&] {
+    Connection().Open(
+        "Provider=MSDataShape.1;Persist Security Info=False;Data Source=Main;Data "
+        "Provider=MSDASQL");
+  });
+  EXPECT_EQ(odbc.Number(), kErrProviderNotFound);
+  EXPECT_EQ(odbc.Description(),
+            "The data source \"Main\" is reached through ODBC, and ODBC support is not built "
+            "into this library");
+#endif
+}
+
+TEST(Connection, ExecuteReportsRecordsAffectedAndReturnsRows) {
+  TestDatabase db;
+  db.Run(kPatients);
+  const auto& c = db.Connection();
+  int32_t affected = 0;
+  auto none = c->Execute("UPDATE patients SET Balance = 0 WHERE ParentID = 1", affected);
+  EXPECT_EQ(affected, 2);
+  EXPECT_EQ(none->State(), adStateClosed);
+  c->Execute("DELETE FROM patients WHERE ID > 100", affected);
+  EXPECT_EQ(affected, 0);
+  c->Execute("CREATE TABLE x (a INTEGER)", affected);
+  EXPECT_EQ(affected, 0);
+  auto rows = c->Execute("SELECT * FROM patients WHERE ParentID = 1", affected);
+  EXPECT_EQ(affected, -1);
+  EXPECT_EQ(rows->State(), adStateOpen);
+  EXPECT_EQ(rows->RecordCount(), 2);
+  EXPECT_EQ(rows->LockType(), adLockReadOnly);
+  EXPECT_EQ(rows->ActiveConnection(), c);
+  EXPECT_EQ(ErrorOf([&] { rows->Delete(); }).Number(), kErrOperationNotSupported);
+
+  c->Execute("DELETE FROM patients WHERE ID = 6", -1);  // a value in second place: options
+  c->Execute("DELETE FROM patients WHERE ID = 5", adExecuteNoRecords);
+  const int32_t options = adCmdText;
+  c->Execute("DELETE FROM patients WHERE ID = 4", options);
+  c->Execute("DELETE FROM patients WHERE ID = 3", affected);  // a variable: the count
+  EXPECT_EQ(affected, 1);
+  c->Execute("INSERT INTO patients (ID, LastName) VALUES (3, 'Back')");
+
+  auto table = std::make_shared<Recordset>();
+  table->Open("patients", c, adOpenStatic, adLockReadOnly, adCmdTable);
+  EXPECT_EQ(table->RecordCount(), 3);
+}
+
+TEST(Connection, TransactionsCommitOrRollBack) {
+  TestDatabase db;
+  db.Run("CREATE TABLE t (n INTEGER)");
+  const auto& c = db.Connection();
+  auto other = db.Connect();
+  EXPECT_EQ(c->BeginTrans(), 1);
+  c->Execute("INSERT INTO t VALUES (1)");
+  auto rs = OpenRecordset(c, "SELECT * FROM t", adLockOptimistic);
+  rs->AddNew();
+  rs->Fields("n").Value(int32_t{2});
+  rs->Update();  // recordset writes join the transaction
+  EXPECT_EQ(ErrorOf([&] { c->BeginTrans(); }).Number(), kErrOperationNotSupported);
+  c->RollbackTrans();
+  EXPECT_EQ(other->Execute("SELECT COUNT(*) FROM t")->Fields(0).Value(), Variant(int32_t{0}));
+  c->BeginTrans();
+  c->Execute("INSERT INTO t VALUES (3)");
+  c->CommitTrans();
+  EXPECT_EQ(other->Execute("SELECT SUM(n) FROM t")->Fields(0).Value(), Variant(int32_t{3}));
+  EXPECT_EQ(ErrorOf([&] { c->CommitTrans(); }).Number(), kErrOperationNotSupported);
+  EXPECT_EQ(ErrorOf([&] { c->RollbackTrans(); }).Number(), kErrOperationNotSupported);
+}
+
+TEST(SqlScript, SplitsOnSemicolonsOutsideQuotesCommentsAndTriggers) {
+  const auto statements = SplitSqlScript(R"sql(
+    -- a comment; with a semicolon
+    CREATE TABLE a (t TEXT);   /* another; comment */
+    INSERT INTO a VALUES ('x;y'); INSERT INTO a VALUES ('it''s; fine');;
+    CREATE TRIGGER tr AFTER INSERT ON a BEGIN
+      INSERT INTO b VALUES (1);
+      UPDATE b SET n = n + 1;
+    END;
+    SELECT "odd;name" FROM [weird;table]
+  )sql");
+  ASSERT_EQ(statements.size(), 5u);
+  EXPECT_EQ(statements[0], "CREATE TABLE a (t TEXT)");
+  EXPECT_EQ(statements[1], "INSERT INTO a VALUES ('x;y')");
+  EXPECT_EQ(statements[2], "INSERT INTO a VALUES ('it''s; fine')");
+  EXPECT_EQ(statements[3].substr(0, 14), "CREATE TRIGGER");
+  EXPECT_EQ(statements[3].substr(statements[3].size() - 3), "END");
+  EXPECT_EQ(statements[4], "SELECT \"odd;name\" FROM [weird;table]");
+}
+
+TEST(SqlScript, AFailingStatementRollsTheScriptBackAndSaysWhichOneFailed) {
+  TestDatabase db;
+  db.Run(
+      "CREATE TABLE t (n INTEGER NOT NULL);"
+      "CREATE TABLE log (n INTEGER);"
+      "CREATE TRIGGER keep AFTER INSERT ON t BEGIN INSERT INTO log VALUES (new.n); END;"
+      "INSERT INTO t VALUES (1);");
+  const Error e =
+      ErrorOf([&] { db.Run("INSERT INTO t VALUES (2);\nINSERT INTO t VALUES (NULL);"); });
+  EXPECT_EQ(e.Description(), "Statement 2 of the script: NOT NULL constraint failed: t.n");
+  EXPECT_EQ(e.Statement(), "INSERT INTO t VALUES (NULL)");
+  EXPECT_EQ(db.Connection()->Execute("SELECT group_concat(n) FROM log")->Fields(0).Value(),
+            Variant("1"));
+  // A connection is left usable and outside any transaction.
+  db.Connection()->BeginTrans();
+  db.Connection()->CommitTrans();
+}
+
+TEST(Shape, ShapeStatementsGoToTheShapingLayer) {
+  TestDatabase db;
+  const auto& c = db.Connection();
+  for (const char* sql : {"SHAPE {SELECT 1} AS a", "  shape{select 1}", "\n\tShape {x}"}) {
+    const Error via_open = ErrorOf([&] { OpenRecordset(c, sql); });
+    EXPECT_NE(via_open.Description().find("SHAPE statements need the data-shaping layer"),
+              std::string::npos)
+        << sql;
+    EXPECT_EQ(ErrorOf([&] { c->Execute(sql); }).Description(), via_open.Description());
+  }
+  // Only the first word counts.
+  EXPECT_EQ(ErrorOf([&] { c->Execute("SELECT 'SHAPE'"); }).Number(), 0);
+  EXPECT_EQ(ErrorOf([&] { c->Execute("SHAPES"); }).Description(), "near \"SHAPES\": syntax error");
+}
+
+}  // namespace
+}  // namespace kelvary::testing

@@ -1,0 +1,124 @@
+// Rows that come from no single statement: how the shaping layer builds a
+// hierarchical recordset on the cursor engine.
+#include <gtest/gtest.h>
+
+#include "RecordsetTestSupport.h"
+#include "kelvary/platform/internal/CursorEngine.h"
+
+namespace kelvary::testing {
+namespace {
+
+RowSet Rows(std::vector<ColumnInfo> columns, std::vector<Variant> cells) {
+  RowSet rows;
+  rows.columns = std::move(columns);
+  rows.cells = std::move(cells);
+  return rows;
+}
+
+ColumnInfo Column(const char* name, DataTypeEnum type) {
+  ColumnInfo c;
+  c.name = name;
+  c.type = type;
+  return c;
+}
+
+// Parents 1..3; children (ID, ParentID) related to them; parent 2 has none.
+std::shared_ptr<Recordset> BuildShape() {
+  const std::vector<std::pair<int32_t, int32_t>> children = {{10, 1}, {11, 1}, {12, 3}};
+  std::vector<Variant> parent_cells;
+  for (int32_t parent = 1; parent <= 3; ++parent) {
+    std::vector<Variant> child_cells;
+    for (const auto& [id, parent_id] : children) {
+      if (parent_id != parent) continue;
+      child_cells.emplace_back(id);
+      child_cells.emplace_back(parent_id);
+    }
+    auto child = std::make_shared<Recordset>();
+    child->Engine().Load(
+        Rows({Column("ID", adInteger), Column("ParentID", adInteger)}, std::move(child_cells)),
+        internal::LoadOptions{"child", nullptr});
+    parent_cells.emplace_back(parent);
+    parent_cells.emplace_back("Parent " + std::to_string(parent));
+    parent_cells.emplace_back(child);
+  }
+  auto parent = std::make_shared<Recordset>();
+  parent->Engine().Load(
+      Rows({Column("ID", adInteger), Column("Name", adVarWChar), Column("Visits", adChapter)},
+           std::move(parent_cells)),
+      internal::LoadOptions{"SHAPE {...}", nullptr});
+  return parent;
+}
+
+TEST(InMemoryRecordset, ChapterFieldsHoldChildRecordsetsThatNavigateOnTheirOwn) {
+  auto parent = BuildShape();
+  EXPECT_EQ(parent->RecordCount(), 3);
+  EXPECT_EQ(parent->Fields("Visits").Type(), adChapter);
+  EXPECT_EQ(parent->Source(), "SHAPE {...}");
+  std::string seen;
+  while (!parent->Eof()) {
+    auto child = parent->Fields("Visits").Value().ObjectAs<Recordset>();
+    ASSERT_TRUE(child);
+    seen += CStr(parent->Fields("ID").Value()) + ":" + std::to_string(child->RecordCount()) + " ";
+    parent->MoveNext();
+  }
+  EXPECT_EQ(seen, "1:2 2:0 3:1 ");
+
+  parent->Find("Name = 'Parent 3'", 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
+  auto third = parent->Fields(2).Value().ObjectAs<Recordset>();
+  EXPECT_EQ(CLng(third->Fields("ID").Value()), 12);
+  parent->Filter("ID <> 2");
+  EXPECT_EQ(Ids(*parent), "1,3");
+  parent->MoveFirst();
+  auto first = parent->Fields("Visits").Value().ObjectAs<Recordset>();
+  first->Filter("ID > 10");
+  EXPECT_EQ(Ids(*first), "11");
+  first->Filter("");
+  first->Find("ID = 11");
+  EXPECT_EQ(first->AbsolutePosition(), 2);
+  // Rows loaded this way are read-only unless the loader says otherwise, and
+  // a chapter field is never set.
+  EXPECT_EQ(ErrorOf([&] { first->AddNew(); }).Number(), kErrOperationNotSupported);
+  EXPECT_EQ(ErrorOf([&] { parent->Fields("Visits").Value(Variant()); }).Number(),
+            kErrOperationNotSupported);
+  EXPECT_EQ(ErrorOf([&] { parent->Filter("Visits = 1"); }).Number(), kErrTypeMismatch);
+}
+
+TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
+  auto rs = std::make_shared<Recordset>();
+  rs->Engine().Load(
+      Rows({Column("ID", adInteger), Column("When", adDate)},
+           {Variant(int32_t{1}), Variant::Null()}),
+      internal::LoadOptions{"", nullptr, adLockOptimistic, internal::WriteMode::kMemory});
+  rs->Fields("When").Value("2024-03-05");
+  rs->MoveNext();  // commits in memory
+  rs->AddNew();
+  rs->Fields("ID").Value("2");
+  rs->Update();
+  EXPECT_EQ(rs->RecordCount(), 2);
+  EXPECT_EQ(rs->Fields("ID").Value(), Variant(int32_t{2}));
+  rs->MoveFirst();
+  EXPECT_EQ(rs->Fields("When").Value(), Variant(DateSerial(2024, 3, 5)));
+  rs->Delete();
+  EXPECT_EQ(rs->RecordCount(), 1);
+  EXPECT_EQ(ErrorOf([&] { rs->Engine().Load(RowSet(), {}); }).Number(), kErrObjectOpen);
+}
+
+TEST(InMemoryRecordset, RowsThatKeepTheirBaseColumnsCanWriteToTheTable) {
+  TestDatabase db;
+  db.Run(kPatients);
+  StatementResult result = db.Connection()->Driver().Run(
+      "SELECT ID, LastName FROM patients WHERE ID < ?", {Variant(int32_t{3})}, 0);
+  auto rs = std::make_shared<Recordset>();
+  rs->Engine().Load(std::move(result.rows),
+                    internal::LoadOptions{"part", db.Connection(), adLockOptimistic,
+                                          internal::WriteMode::kBaseTable});
+  rs->MoveLast();
+  rs->Fields("LastName").Value("Byrne");
+  rs->Update();
+  EXPECT_EQ(
+      db.Connection()->Execute("SELECT LastName FROM patients WHERE ID = 2")->Fields(0).Value(),
+      Variant("Byrne"));
+}
+
+}  // namespace
+}  // namespace kelvary::testing

@@ -1,0 +1,205 @@
+// Find and Filter: the criteria reader and how each moves the cursor.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "RecordsetTestSupport.h"
+#include "kelvary/platform/internal/Criteria.h"
+#include "kelvary/platform/internal/LikePattern.h"
+
+namespace kelvary::testing {
+namespace {
+
+class RecordsetFindFilter : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    db_.Run(kPatients);
+    rs_ = OpenRecordset(db_.Connection(), "SELECT * FROM patients ORDER BY ID");
+  }
+  int32_t CurrentId() { return CLng(rs_->Fields("ID").Value()); }
+  TestDatabase db_;
+  std::shared_ptr<Recordset> rs_;
+};
+
+const Variant kFirst(int32_t{adBookmarkFirst});
+const Variant kLast(int32_t{adBookmarkLast});
+
+TEST_F(RecordsetFindFilter, FindForwardFromTheCurrentRowOrAStartWithSkip) {
+  rs_->Find("ID = 5");
+  EXPECT_EQ(CurrentId(), 5);
+  rs_->Find("LastName = 'smith'");  // from the current row onwards; texts ignore case
+  EXPECT_EQ(CurrentId(), 6);
+  rs_->Find("LastName = 'Smith'", 0, adSearchForward, kFirst);
+  EXPECT_EQ(CurrentId(), 1);
+  rs_->Find("LastName = 'Smith'", 1);  // skip the current row
+  EXPECT_EQ(CurrentId(), 6);
+  rs_->Find("LastName = 'Smith'", 1);
+  EXPECT_TRUE(rs_->Eof());  // no further match: EOF
+  rs_->MoveFirst();
+  rs_->Find("ID = 99");
+  EXPECT_TRUE(rs_->Eof());
+  rs_->Find("ID = 2", 0, adSearchForward, kFirst);  // a start does not need a current row
+  EXPECT_EQ(CurrentId(), 2);
+}
+
+TEST_F(RecordsetFindFilter, FindBackwardEndsAtBof) {
+  rs_->Find("Balance > 5", 0, adSearchBackward, kLast);
+  EXPECT_EQ(CurrentId(), 6);
+  rs_->Find("Balance > 5", 1, adSearchBackward);
+  EXPECT_EQ(CurrentId(), 5);
+  rs_->Find("Balance > 5", 1, adSearchBackward);
+  EXPECT_EQ(CurrentId(), 1);
+  rs_->Find("Balance > 5", 1, adSearchBackward);
+  EXPECT_TRUE(rs_->Bof());
+  // From a bookmark.
+  rs_->MoveFirst();
+  rs_->Move(3);
+  const Variant mark = rs_->Bookmark();
+  rs_->MoveFirst();
+  rs_->Find("ParentID = 3", 0, adSearchForward, mark);
+  EXPECT_EQ(CurrentId(), 4);
+}
+
+TEST_F(RecordsetFindFilter, RepeatedFindsOnANumberAgreeWithTheScan) {
+  // The second and later Finds on a column answer from an index; it must
+  // give what the scan gives, including after changes to the rows.
+  auto rs = OpenRecordset(db_.Connection(), "SELECT * FROM patients ORDER BY ID", adLockOptimistic);
+  for (int round = 0; round < 2; ++round) {
+    for (int id : {3, 1, 6, 6, 42}) {
+      rs->Find("ID = " + std::to_string(id), 0, adSearchForward, kFirst);
+      if (id == 42) {
+        EXPECT_TRUE(rs->Eof());
+      } else {
+        EXPECT_EQ(CLng(rs->Fields("ID").Value()), id);
+      }
+    }
+    rs->Find("ParentID = 3", 0, adSearchBackward, kLast);
+    EXPECT_EQ(CLng(rs->Fields("ID").Value()), 5);
+    rs->Find("ParentID = 3.0", 1, adSearchBackward);
+    EXPECT_EQ(CLng(rs->Fields("ID").Value()), 4);
+    rs->Find("ParentID = 3", 1, adSearchBackward);
+    if (round == 1) {  // row 1 joined them in the first round
+      EXPECT_EQ(CLng(rs->Fields("ID").Value()), 1);
+      rs->Find("ParentID = 3", 1, adSearchBackward);
+    }
+    EXPECT_TRUE(rs->Bof());
+    rs->MoveFirst();
+    rs->Fields("ParentID").Value(int32_t{3});  // row 1 joins them
+    rs->Update();
+  }
+}
+
+TEST_F(RecordsetFindFilter, FilterHidesRowsAndRecordCountFollows) {
+  rs_->Filter("ParentID = 3");
+  EXPECT_EQ(rs_->RecordCount(), 2);
+  EXPECT_EQ(CurrentId(), 4);  // setting a filter moves to the first match
+  EXPECT_EQ(Ids(*rs_), "4,5");
+  EXPECT_EQ(rs_->Filter(), "ParentID = 3");
+
+  const std::pair<const char*, const char*> cases[] = {
+      {"LastName = 'Smith' AND FirstName = 'Jane'", "6"},
+      {"LastName = 'Smith' OR ParentID = 3", "1,4,5,6"},
+      {"(LastName LIKE 'smith*' OR LastName = 'Jones') AND Balance >= 7", "1,6"},
+      {"LastName LIKE 'Sm_th%'", "1,3,6"},
+      {"LastName LIKE 'Sm_th'", "1,6"},
+      {"LastName LIKE '*o*'", "2,4,5"},
+      {"LastName = 'O''Brien'", "2"},
+      {"FirstName IS NULL OR ParentID IS NOT NULL AND ID > 4", "4,5"},
+      {"FirstName = Null", "4"},
+      {"FirstName <> Null AND Balance < 1", "2,3"},
+      {"DOB < #1/1/1985#", "1,2"},
+      {"DOB >= #2001-07-14# AND DOB <= #10/10/2010#", "3,6"},
+      {"DOB = #1/1/1990 8:30:00 AM#", "5"},
+      {"Balance <> 0 AND Balance > -4", "1,3,5,6"},
+      {"Balance = -3.25 OR Balance = $99", "3,5"},
+      {"Active = True", "1,2,4,6"},
+      {"Active = False AND ID > 4", "5"},
+      {"ParentID <> 1", "4,5"},  // Null matches no comparison but the Null tests
+      {"ID = '3'", "3"},         // text meets a number by the number it reads as
+  };
+  for (const auto& [criteria, ids] : cases) {
+    rs_->Filter(criteria);
+    EXPECT_EQ(Ids(*rs_), ids) << criteria;
+    EXPECT_EQ(rs_->RecordCount(),
+              static_cast<int32_t>(std::count(ids, ids + std::strlen(ids), ',') + (*ids ? 1 : 0)))
+        << criteria;
+  }
+  rs_->Filter("ID > 100");
+  EXPECT_TRUE(rs_->Bof() && rs_->Eof());
+  EXPECT_EQ(rs_->RecordCount(), 0);
+  rs_->Filter("");  // clears it
+  EXPECT_EQ(rs_->RecordCount(), 6);
+  EXPECT_EQ(CurrentId(), 1);
+  EXPECT_EQ(rs_->Filter(), "");
+}
+
+TEST_F(RecordsetFindFilter, BracketedNamesAndTableQualifiedNamesResolve) {
+  db_.Run(
+      "CREATE TABLE odd ([First Name] TEXT, [Order] INTEGER);"
+      "INSERT INTO odd VALUES ('Al', 1); INSERT INTO odd VALUES ('Bo', 2);");
+  auto rs = OpenRecordset(db_.Connection(), "SELECT * FROM odd");
+  rs->Filter("[First Name] = 'Bo' AND [order] = 2");
+  EXPECT_EQ(rs->RecordCount(), 1);
+  rs->Filter("");
+  rs->Find("odd.[Order] = 2");
+  EXPECT_EQ(rs->Fields("First Name").Value(), Variant("Bo"));
+}
+
+TEST_F(RecordsetFindFilter, BadCriteriaRaiseAnErrorNamingThem) {
+  const char* bad[] = {"",
+                       "ID =",
+                       "ID == 5",
+                       "ID 5",
+                       "Nope = 5",
+                       "LastName = 'open",
+                       "DOB = #31/31/2020#",
+                       "(ID = 1",
+                       "ID = 1 AND",
+                       "ID = 1 ID = 2",
+                       "ID = 5x"};
+  for (const char* criteria : bad) {
+    const Error e = ErrorOf([&] { rs_->Filter(criteria[0] ? criteria : "ID = = 1"); });
+    EXPECT_EQ(e.Number(), kErrBadCriteria) << criteria;
+    EXPECT_NE(e.Description().find(criteria[0] ? criteria : "ID = = 1"), std::string::npos)
+        << e.Description();
+  }
+  EXPECT_EQ(rs_->RecordCount(), 6);  // a bad filter leaves the old one
+  const Error find = ErrorOf([&] { rs_->Find("ID = 1 OR ID = 2"); });
+  EXPECT_EQ(find.Number(), kErrBadCriteria);
+  EXPECT_NE(find.Description().find("Find takes one comparison"), std::string::npos);
+  EXPECT_EQ(ErrorOf([&] { rs_->Find(""); }).Number(), kErrBadCriteria);
+}
+
+TEST(LikePattern, BothWildcardFamiliesAndEscapes) {
+  using internal::LikeMatches;
+  EXPECT_TRUE(LikeMatches("JS0*", "js0001"));
+  EXPECT_TRUE(LikeMatches("JS0%", "JS0"));
+  EXPECT_FALSE(LikeMatches("JS0*", "JS"));
+  EXPECT_TRUE(LikeMatches("J?S_", "jxsy"));
+  EXPECT_FALSE(LikeMatches("J?S_", "jxs"));
+  EXPECT_TRUE(LikeMatches("*a*b*", "xxaxxbxx"));
+  EXPECT_FALSE(LikeMatches("*a*b", "xxaxxbxx"));
+  EXPECT_TRUE(LikeMatches("%", ""));
+  EXPECT_TRUE(LikeMatches("_", "\xc3\xa9"));  // one character, two bytes
+  EXPECT_TRUE(LikeMatches("100!%", "100%", '!'));
+  EXPECT_FALSE(LikeMatches("100!%", "1000", '!'));
+  EXPECT_TRUE(LikeMatches("a!*b", "a*b", '!'));
+}
+
+TEST(Criteria, NumbersDatesAndNullLiteralsReadAsValues) {
+  auto resolve = [](std::string_view name) -> int32_t { return name == "A" ? 0 : -1; };
+  const Variant row_int[] = {Variant(int32_t{-12})};
+  EXPECT_TRUE(internal::Criteria::Parse("A = -12", resolve).Matches(row_int));
+  EXPECT_TRUE(internal::Criteria::Parse("-12 = A", resolve).Matches(row_int));
+  EXPECT_TRUE(internal::Criteria::Parse("A >= -1.2E1", resolve).Matches(row_int));
+  const Variant row_null[] = {Variant::Null()};
+  EXPECT_TRUE(internal::Criteria::Parse("A = Null", resolve).Matches(row_null));
+  EXPECT_TRUE(internal::Criteria::Parse("A IS NULL", resolve).Matches(row_null));
+  EXPECT_FALSE(internal::Criteria::Parse("A <> 5", resolve).Matches(row_null));
+  EXPECT_FALSE(internal::Criteria::Parse("A < 5", resolve).Matches(row_null));
+  EXPECT_FALSE(internal::Criteria::Parse("A LIKE '*'", resolve).Matches(row_null));
+}
+
+}  // namespace
+}  // namespace kelvary::testing

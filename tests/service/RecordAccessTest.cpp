@@ -1,0 +1,211 @@
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+#include "kelvary/service/InfoLink.h"
+#include "support/MessageRecorder.h"
+#include "support/TestDatabase.h"
+
+namespace kelvary {
+namespace {
+
+using testing::MessageRecorder;
+using testing::TestDatabase;
+
+class RecordAccessTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    db_.Run(
+        "CREATE TABLE items (ID INTEGER PRIMARY KEY, Name VARCHAR(20), Qty INTEGER, "
+        "Price DOUBLE, Done BOOLEAN, Seen DATE);"
+        "INSERT INTO items VALUES (1, 'one', 1, 1.5, 0, '2024-03-05');"
+        "INSERT INTO items VALUES (2, NULL, NULL, NULL, NULL, NULL);");
+    link_.AppDataXion(db_.Connection());
+    link_.ConfigsXion(db_.Connection());
+    link_.SetSQLHistoryObserver([this](LogFileEntryTypes code, const std::string& sql) {
+      history_.emplace_back(code, sql);
+    });
+  }
+
+  int32_t CountRows(const std::string& where) {
+    auto rs = std::make_shared<Recordset>();
+    rs->Open("Select count(*) As N from items where " + where, db_.Connection());
+    return CLng(rs->Fields("N").Value());
+  }
+
+  TestDatabase db_;
+  MessageRecorder messages_;
+  InfoLink link_;
+  std::vector<std::pair<LogFileEntryTypes, std::string>> history_;
+};
+
+TEST_F(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheRecordsetOpen) {
+  std::shared_ptr<Recordset> rs;
+  EXPECT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items order by ID",
+                                  adOpenForwardOnly, adLockReadOnly));
+  EXPECT_EQ(rs->Fields("Name").Value(), Variant("one"));
+  // The same recordset is reused: closed, then opened again.
+  EXPECT_FALSE(link_.FillRecordSet(pdssystem, rs, "Select * from items where ID = 99", adOpenStatic,
+                                   adLockReadOnly));
+  EXPECT_EQ(rs->State(), adStateOpen);
+  EXPECT_TRUE(rs->Eof());
+  EXPECT_TRUE(messages_.Texts().empty());
+  EXPECT_TRUE(history_.empty());  // LogFileEntrySetting 0 passes nothing on
+}
+
+TEST_F(RecordAccessTest, FillRecordSetShowsItsFailures) {
+  std::shared_ptr<Recordset> rs;
+  EXPECT_FALSE(
+      link_.FillRecordSet(pdsRawData, rs, "Select * from items", adOpenStatic, adLockReadOnly));
+  ASSERT_EQ(messages_.Texts().size(), 2u);
+  EXPECT_EQ(messages_.Texts()[0], "No Raw Connection available");
+  EXPECT_EQ(messages_.Texts()[1].rfind("Error while Loading Records :  with sql Select * from "
+                                       "items\r\n",
+                                       0),
+            0u);
+  messages_.Clear();
+  link_.LogFileEntrySetting = lfetSelectSQL;
+  EXPECT_FALSE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from nowhere", adOpenStatic, adLockReadOnly));
+  ASSERT_EQ(messages_.Texts().size(), 1u);
+  EXPECT_NE(messages_.Texts()[0].find("no such table: nowhere"), std::string::npos);
+  EXPECT_TRUE(history_.empty());  // a failure is not passed to the history
+}
+
+TEST_F(RecordAccessTest, FillRecordSetDropsAPendingNewRowBeforeReopening) {
+  std::shared_ptr<Recordset> rs;
+  ASSERT_TRUE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
+  rs->AddNew();
+  rs->Fields("ID").Value(Variant(3));
+  rs->Fields("Name").Value(Variant("three"));
+  ASSERT_EQ(rs->EditMode(), adEditAdd);
+  EXPECT_TRUE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
+  EXPECT_EQ(rs->RecordCount(), 2);
+  EXPECT_EQ(CountRows("ID = 3"), 0);
+}
+
+TEST_F(RecordAccessTest, HistoryClassifiesStatementsByTheirFirstWord) {
+  struct Case {
+    int32_t setting;
+    std::string sql;
+    std::vector<std::pair<LogFileEntryTypes, std::string>> expected;
+  };
+  const std::vector<Case> cases = {
+      {lfetDeleteStmts,
+       "  delete from items where ID = 99",
+       {{lfetDeleteStmts, "delete from items where ID = 99"}}},
+      {lfetInsertStmts, "  delete from items where ID = 99", {}},
+      {lfetInsertStmts,
+       "Insert into items (ID) values (10)",
+       {{lfetInsertStmts, "Insert into items (ID) values (10)"}}},
+      {lfetUpdateSQL | lfetDeleteStmts,
+       "UPDATE items set Qty = 2 where ID = 10",
+       {{lfetUpdateSQL, "UPDATE items set Qty = 2 where ID = 10"}}},
+      // A statement of no known kind is passed on with code 0 whenever
+      // anything is logged at all.
+      {lfetInsertStmts,
+       "   CREATE TABLE extra (ID INTEGER)",
+       {{lfetNone, "CREATE TABLE extra (ID INTEGER)"}}},
+      {lfetNone, "DROP TABLE extra", {}},
+  };
+  for (const auto& c : cases) {
+    history_.clear();
+    link_.LogFileEntrySetting = c.setting;
+    EXPECT_TRUE(link_.ExecuteSQL(pdsmaindata, c.sql));
+    EXPECT_EQ(history_, c.expected) << c.sql;
+  }
+  EXPECT_TRUE(messages_.Texts().empty());
+  EXPECT_EQ(CountRows("ID = 10 and Qty = 2"), 1);
+}
+
+TEST_F(RecordAccessTest, ExecuteSQLShowsItsFailuresAndStillReturnsTrue) {
+  link_.LogFileEntrySetting = lfetErrorMsgs;
+  EXPECT_TRUE(link_.ExecuteSQL(pdsmaindata, "Update nowhere set x = 1"));
+  ASSERT_EQ(messages_.Texts().size(), 1u);
+  EXPECT_EQ(messages_.Texts()[0].rfind("Error executing sql : Update nowhere set x = 1\r\n", 0),
+            0u);
+  EXPECT_NE(messages_.Texts()[0].find("no such table: nowhere"), std::string::npos);
+  // The failure came before the statement was classified: the text is "".
+  EXPECT_EQ(history_,
+            (std::vector<std::pair<LogFileEntryTypes, std::string>>{{lfetErrorMsgs, ""}}));
+  messages_.Clear();
+  history_.clear();
+  link_.LogFileEntrySetting = lfetDeleteStmts;
+  EXPECT_TRUE(link_.ExecuteSQL(pdsRawData, " Delete from items"));
+  EXPECT_EQ(messages_.Texts(), std::vector<std::string>{"No Raw Connection available"});
+  EXPECT_EQ(history_, (std::vector<std::pair<LogFileEntryTypes, std::string>>{
+                          {lfetDeleteStmts, "Delete from items"}}));
+  EXPECT_EQ(CountRows("1 = 1"), 2);  // nothing was executed
+}
+
+TEST_F(RecordAccessTest, IsValidRecordNeedsAnOpenRecordsetOnARow) {
+  auto rs = std::make_shared<Recordset>();
+  EXPECT_FALSE(link_.IsValidRecord(rs));  // closed
+  EXPECT_FALSE(link_.IsValidRecord(nullptr));
+  link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 0", adOpenStatic,
+                      adLockReadOnly);
+  EXPECT_FALSE(link_.IsValidRecord(rs));  // empty
+  link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockReadOnly);
+  EXPECT_TRUE(link_.IsValidRecord(rs));
+  rs->MoveLast();
+  rs->MoveNext();
+  EXPECT_FALSE(link_.IsValidRecord(rs));  // after the last row
+  link_.SafelyCloseRecordSet(rs);
+  EXPECT_EQ(rs->State(), adStateClosed);
+  link_.SafelyCloseRecordSet(rs);  // closing twice is harmless
+  link_.SafelyCloseRecordSet(nullptr);
+}
+
+TEST_F(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
+  std::shared_ptr<Recordset> rs;
+  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
+                                  adLockOptimistic));
+  rs->Fields("Name").Value(Variant("changed"));
+  link_.SafelyCloseRecordSet(rs);
+  EXPECT_EQ(CountRows("Name = 'one'"), 1);
+}
+
+TEST_F(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTheRest) {
+  std::shared_ptr<Recordset> rs;
+  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 2", adOpenStatic,
+                                  adLockOptimistic));
+  link_.RemoveNonNulls(rs);
+  // The zero is stored in the field's own type.
+  EXPECT_EQ(rs->Fields("Qty").Value(), Variant(0));
+  EXPECT_EQ(rs->Fields("Price").Value(), Variant(0.0));
+  EXPECT_EQ(rs->Fields("Done").Value(), Variant(false));
+  EXPECT_TRUE(rs->Fields("Name").Value().IsNull());
+  EXPECT_TRUE(rs->Fields("Seen").Value().IsNull());
+  EXPECT_EQ(rs->EditMode(), adEditInProgress);  // written into the row, not updated
+}
+
+TEST_F(RecordAccessTest, AssignFieldValuesToAllRecsCommitsEachRowByMovingOn) {
+  std::shared_ptr<Recordset> rs;
+  ASSERT_TRUE(
+      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
+  link_.AssignFieldValuesToAllRecs(rs, "Qty", Variant(7));
+  EXPECT_TRUE(rs->Eof());
+  EXPECT_EQ(CountRows("Qty = 7"), 2);
+}
+
+TEST_F(RecordAccessTest, InterpretRecordErrorStatusNamesTheFieldsOfAFailedUpdate) {
+  std::shared_ptr<Recordset> rs;
+  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
+                                  adLockOptimistic));
+  EXPECT_EQ(link_.InterpretRecordErrorStatus(pdsmaindata, nullptr, rs), "");
+  rs->Fields("Qty").Value(Variant(5));
+  db_.Connect()->Execute("Update items set Qty = 9 where ID = 1");  // another user got there first
+  try {
+    rs->Update();
+    FAIL() << "the changed row should conflict";
+  } catch (const Error& e) {
+    EXPECT_EQ(link_.InterpretRecordErrorStatus(pdsmaindata, &e, rs),
+              "\r\nOffending Fields Qty ( 8 ) ");
+  }
+}
+
+}  // namespace
+}  // namespace kelvary
