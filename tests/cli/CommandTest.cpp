@@ -20,7 +20,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-struct Run {
+struct CliRun {
   int exit_code = -1;
   std::string out;
   std::string err;
@@ -33,13 +33,13 @@ std::string Quote(const std::string& arg) {
   return quoted + "'";
 }
 
-Run RunCli(const std::vector<std::string>& args, const TempDir& dir) {
+CliRun RunCli(const std::vector<std::string>& args, const TempDir& dir) {
   const std::string err_file = dir.File("stderr.txt");
   std::string command = Quote(KELVARY_CLI_PATH);
   for (const auto& a : args)
     command += " " + Quote(a);
   command += " 2>" + Quote(err_file);
-  Run run;
+  CliRun run;
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return run;
   std::array<char, 4096> buffer{};
@@ -70,13 +70,13 @@ class Command : public ::testing::Test {
     system_ = dir_.File("demo/system.db");
     main_ = dir_.File("demo/main.db");
   }
-  Run Query(std::vector<std::string> args) {
+  CliRun Query(std::vector<std::string> args) {
     std::vector<std::string> all = {"query", "--system", system_, "--main", main_};
     all.insert(all.end(), args.begin(), args.end());
     return RunCli(all, dir_);
   }
   TempDir dir_;
-  Run demo_;
+  CliRun demo_;
   std::string system_;
   std::string main_;
 };
@@ -97,14 +97,14 @@ TEST_F(Command, DemoBuildsThePracticeAndWalksThroughIt) {
   EXPECT_EQ(demo_.err, "");
 
   // Run again over the same folder: rebuilt, not added to.
-  const Run again = RunCli({"demo", dir_.File("demo")}, dir_);
+  const CliRun again = RunCli({"demo", dir_.File("demo")}, dir_);
   EXPECT_EQ(again.exit_code, 0) << again.err;
   EXPECT_THAT(again.out, HasSubstr("300 patients"));
 }
 
 TEST_F(Command, QueryPrintsTheStatementAndAnAlignedTable) {
   BuildDemo();
-  const Run users = Query({"--query", "9"});
+  const CliRun users = Query({"--query", "9"});
   ASSERT_EQ(users.exit_code, 0) << users.err;
   EXPECT_THAT(users.out, HasSubstr("Query 9: Users (built from its definition, 1 level)"));
   EXPECT_THAT(users.out, HasSubstr("  Select LoginName,FirstName,LastName From Users \n"));
@@ -113,21 +113,21 @@ TEST_F(Command, QueryPrintsTheStatementAndAnAlignedTable) {
                                    "  admin       Practice   Administrator\n"));
   EXPECT_THAT(users.out, HasSubstr("(5 rows)"));
 
-  const Run sql = Query({"--query", "3", "--sql-only"});
+  const CliRun sql = Query({"--query", "3", "--sql-only"});
   ASSERT_EQ(sql.exit_code, 0) << sql.err;
   EXPECT_EQ(sql.out,
             " SHAPE { Select regnno,LastName,FirstName,ID From patients  } as Patients"
             " APPEND ({Select VisitDate,Reason,Fee,PatientID From visits  }   as Visits"
             " RELATE 'ID' TO  'PatientID' ) AS Visits\n");
 
-  const Run limited = Query({"--query", "1", "--template", "1", "--max-rows", "0"});
+  const CliRun limited = Query({"--query", "1", "--template", "1", "--max-rows", "0"});
   ASSERT_EQ(limited.exit_code, 0) << limited.err;
   EXPECT_THAT(limited.out, HasSubstr("(first 0 of 1 rows)"));
 }
 
 TEST_F(Command, MultiLevelResultsPrintAsATree) {
   BuildDemo();
-  const Run tree = Query({"--query", "4", "--record", "1:1"});
+  const CliRun tree = Query({"--query", "4", "--record", "1:1"});
   EXPECT_THAT(tree.out, HasSubstr(" SHAPE { Select LastName,FirstName,ID From patients  Where"));
   EXPECT_EQ(tree.exit_code, 0) << tree.err;
   EXPECT_THAT(tree.out, HasSubstr("\n      Visits:\n"));
@@ -157,22 +157,22 @@ TEST_F(Command, ProblemsAreOneLineAndANonZeroExit) {
        "kelvary: data folder not found: " + dir_.File("nowhere") + "\n"},
   };
   for (const auto& c : cases) {
-    const Run run = RunCli(c.args, dir_);
+    const CliRun run = RunCli(c.args, dir_);
     EXPECT_EQ(run.exit_code, 1) << c.error;
     EXPECT_EQ(run.err, c.error);
   }
 
   // A statement that fails to open: the statement first, then the reason.
-  const Run broken = Query({"--query", "1", "--where", "10=NoSuchColumn = 1"});
+  const CliRun broken = Query({"--query", "1", "--where", "10=NoSuchColumn = 1"});
   EXPECT_EQ(broken.exit_code, 1);
   EXPECT_THAT(broken.out, HasSubstr("AND NoSuchColumn = 1"));
   EXPECT_EQ(Lines(broken.err), 1u);
   EXPECT_THAT(broken.err, HasSubstr("kelvary: cannot open the statement: "));
 
-  const Run unknown = RunCli({"frobnicate"}, dir_);
+  const CliRun unknown = RunCli({"frobnicate"}, dir_);
   EXPECT_EQ(unknown.exit_code, 2);
   EXPECT_THAT(unknown.err, HasSubstr("unknown command 'frobnicate'"));
-  const Run help = RunCli({"help"}, dir_);
+  const CliRun help = RunCli({"help"}, dir_);
   EXPECT_EQ(help.exit_code, 0);
   EXPECT_THAT(help.out, HasSubstr("query --system FILE|DSN --main FILE|DSN --query ID"));
   EXPECT_THAT(help.out, Not(HasSubstr("error")));

@@ -72,7 +72,7 @@ int DemoCommand(const std::vector<std::string>& args, std::ostream& out) {
     RunStoredQuery(link, request, out);
   });
 
-  Step(out, 2, "A stored query of three levels, restricted to one patient", [&] {
+  Step(out, 2, "A stored query nested three deep, with sibling levels, for one patient", [&] {
     QueryRequest request;
     request.query_id = 5;
     request.record = QueryRequest::Record{1, 1, 101, ""};

@@ -128,10 +128,14 @@ void RunStoredQuery(InfoLink& link, const QueryRequest& request, std::ostream& o
     out << "Template " << qi.TemplateId << ": " << qi.TemplateDescription << "\n";
   }
   if (request.show_parameters) {
-    out << "Parameters (title and description):\n";
+    out << "Parameters (title [description]):\n";
     for (const auto& group : *qi.CurrentConditions()) {
       for (const auto& param : *group->ChildConditions()) {
-        out << "  " << param->Title << param->GetSimpleText() << "\n";
+        // As a host does: a coded value is described by its search link.
+        if (param->SearchLinkID > 0 && !param->Value1.IsEmpty()) {
+          param->Value1Description = link.GetDescription(param->SearchLinkID, CLng(param->Value1));
+        }
+        out << "  " << param->Title << " [" << param->GetSimpleText() << "]\n";
       }
     }
   }

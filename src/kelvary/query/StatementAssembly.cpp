@@ -47,11 +47,13 @@ void QueryInterpretor::EncodeSQLStmt() {
   const auto& levels = ShapeNests();
   // Position 1 is the root: levels are loaded by depth.
   const auto root = levels->Item(1);
+  // The root's SELECT first: it names the link its children relate to.
+  const std::string root_select = BuildLevelSelect(*root);
   if (levels->Count() == 1) {
-    FinalSQLStmt = BuildLevelSelect(*root);
+    FinalSQLStmt = root_select;
   } else {
-    FinalSQLStmt = " SHAPE { " + BuildLevelSelect(*root) + " } as " + root->ShapeName +
-                   BuildChildAppends(root->ID);
+    FinalSQLStmt =
+        " SHAPE { " + root_select + " } as " + root->ShapeName + BuildChildAppends(root->ID);
   }
 }
 
