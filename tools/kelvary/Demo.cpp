@@ -9,6 +9,7 @@
 #include "TablePrinter.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/service/InfoLink.h"
+#include "kelvary/service/InfoLinkEvents.h"
 
 namespace kelvary::cli {
 
@@ -29,6 +30,29 @@ void Step(std::ostream& out, int number, const std::string& title,
     out << "  (" << e.what() << ")\n";
   }
 }
+
+// The host's side of the record actions: here it only tells what it hears.
+class PrintingSink : public InfoLinkEvents {
+ public:
+  explicit PrintingSink(std::ostream& out) : out_(out) {}
+  void BeforePostActionHistory(ProjectDataSources, DBRecordActionTypes action, int32_t table_id,
+                               const std::string& table, int32_t user, int32_t key1, int32_t,
+                               const std::string& field1, const std::string&,
+                               bool& bContinue) override {
+    out_ << "  event BeforePostActionHistory: action " << action << " on " << table << " (table "
+         << table_id << "), " << field1 << " = " << key1 << ", user " << user << ", bContinue "
+         << (bContinue ? "True" : "False") << "\n";
+  }
+  void AfterPostActionHistory(ProjectDataSources, DBRecordActionTypes action, int32_t,
+                              const std::string& table, int32_t, int32_t key1, int32_t,
+                              const std::string& field1, const std::string&) override {
+    out_ << "  event AfterPostActionHistory: action " << action << " on " << table << ", " << field1
+         << " = " << key1 << " (the host writes its audit row here)\n";
+  }
+
+ private:
+  std::ostream& out_;
+};
 
 void LookUp(std::ostream& out, const std::string& call, const std::string& result,
             const std::string& note) {
@@ -110,6 +134,30 @@ int DemoCommand(const std::vector<std::string>& args, std::ostream& out) {
     request.wheres.emplace_back(1, "Cities.ID = 13");
     request.max_rows = 8;
     RunStoredQuery(link, request, out);
+  });
+
+  Step(out, 6, "A new key and a safe delete", [&] {
+    MessageCatcher catcher;
+    out << "  GenerateNumericCode(main, \"patients\", \"ID\") -> "
+        << link.GenerateNumericCode(pdsmaindata, "patients", "ID") << "   the next patient ID\n";
+    link.UseSafeDelete = true;  // mark rows instead of removing them
+    const std::string showable = link.GetShowableRecordClause("patients", false);
+    out << "  GetShowableRecordClause(\"patients\", False) -> \"" << showable << "\"\n"
+        << "  showable patients: " << CountRows(link, pdsmaindata, "patients Where " + showable)
+        << "\n";
+    auto sink = std::make_shared<PrintingSink>(out);
+    link.Advise(sink);
+    std::shared_ptr<Recordset> none;
+    link.SafeDeleteRecord(pdsmaindata, 1, "patients", 2, 299, 0, "ID", "", none);
+    link.Unadvise(sink);
+    out << "  SafeDeleteRecord(main, 1, \"patients\", user 2, ID 299): the row is kept, with "
+        << "RecordStatus "
+        << CellText(
+               link.GetCorrespondingValue(299, "patients", "RecordStatus", "ID", pdsmaindata, ""))
+        << "; showable patients: " << CountRows(link, pdsmaindata, "patients Where " + showable)
+        << "\n";
+    for (const auto& message : catcher.Take())
+      out << "  message: " << OneLine(message) << "\n";
   });
 
   out << "\nTry: kelvary query --system " << files.system << " --main " << files.main

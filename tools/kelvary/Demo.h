@@ -1,6 +1,7 @@
 // kelvary demo: builds the demo practice's databases in a folder and walks
 // through them: stored queries of one and more levels, look-ups through
-// search links and multi-selects, and a template's conditions.
+// search links and multi-selects, a template's conditions, a new key and a
+// safe delete with its record-action events.
 #pragma once
 
 #include <ostream>
