@@ -76,17 +76,3 @@ CREATE TABLE SelectedRecords (
   RecordID INTEGER,
   UserID INTEGER
 );
-
--- A values table and the store table of a multi-select: each row pairs a
--- record of the parent (SourceID) with a chosen value (ValueID).
-CREATE TABLE Allergies (
-  ID INTEGER PRIMARY KEY,
-  Description VARCHAR(100),
-  RecordStatus INTEGER DEFAULT 0
-);
-
-CREATE TABLE PatientAllergies (
-  ID INTEGER PRIMARY KEY,
-  SourceID INTEGER NOT NULL,
-  ValueID INTEGER NOT NULL
-);
