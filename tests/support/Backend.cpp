@@ -334,6 +334,8 @@ class PostgresBackend : public Backend {
                         .auto_key = "SERIAL PRIMARY KEY",
                         .datetime_type = "TIMESTAMP",
                         .count_type = adBigInt,
+                        .typed_aggregates = true,
+                        .keeps_table_order = false,
                         .missing_table_text = "relation \"{table}\" does not exist",
                         .not_null_text =
                             "null value in column \"{column}\" of relation "

@@ -71,6 +71,13 @@ struct BackendTraits {
   std::string datetime_type = "DATE";
   // CountType: the type COUNT(*) and other whole-number aggregates read as.
   DataTypeEnum count_type = adInteger;
+  // TypedAggregates: MIN, MAX and the like over a column keep its type (a
+  // date stays a Date). SQLite gives the stored value: a date's ISO text.
+  bool typed_aggregates = false;
+  // KeepsTableOrder: a statement without ORDER BY returns the rows in the
+  // order they were inserted (SQLite); PostgreSQL's hash joins and hash
+  // aggregates return another order.
+  bool keeps_table_order = true;
   // Texts with {table} and {column} standing for names as the database
   // reports them (Name): the error of a missing table, that of a NULL
   // written to a NOT NULL column, and the statement that moves an AutoKey
