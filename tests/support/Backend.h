@@ -183,8 +183,3 @@ void PrintTo(const Backend* backend, std::ostream* out);
 #define KELVARY_ON_EVERY_BACKEND(Fixture)                                                  \
   INSTANTIATE_TEST_SUITE_P(, Fixture, ::testing::ValuesIn(::kelvary::testing::Backends()), \
                            ::kelvary::testing::BackendName)
-
-// KELVARY_SKIP_UNLESS(condition, reason): skips a whole test on a backend
-// that lacks what all of it checks.
-#define KELVARY_SKIP_UNLESS(condition, reason) \
-  if (!(condition)) GTEST_SKIP() << Traits().name << ": " << reason
