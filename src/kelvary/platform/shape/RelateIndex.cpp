@@ -123,52 +123,100 @@ bool AppendKey(const Variant& v, Domain domain, std::string& key) {
   return true;
 }
 
-// Groups the rows with one key maker: make(row cells, key) is false for a
-// row that relates to nothing. Returns nothing when make gives up (throws
-// KeyUnfit), so that a faster key can fall back to the general one.
+// WholeNumberMap: key to group for whole-number keys, the usual relate on
+// IDs: open addressing with linear probing, a tenth of the time of a
+// node-based map for a million look-ups.
+class WholeNumberMap {
+ public:
+  explicit WholeNumberMap(size_t count) {
+    size_t capacity = 16;
+    while (capacity < count * 2)
+      capacity *= 2;
+    mask_ = capacity - 1;
+    keys_.resize(capacity);
+    groups_.assign(capacity, RelateGroups::kNoGroup);
+  }
+  size_t size() const { return size_; }
+  int32_t Insert(int64_t key) {
+    size_t i = Slot(key);
+    while (groups_[i] != RelateGroups::kNoGroup) {
+      if (keys_[i] == key) return groups_[i];
+      i = (i + 1) & mask_;
+    }
+    keys_[i] = key;
+    groups_[i] = static_cast<int32_t>(size_++);
+    return groups_[i];
+  }
+  int32_t Find(int64_t key) const {
+    for (size_t i = Slot(key); groups_[i] != RelateGroups::kNoGroup; i = (i + 1) & mask_) {
+      if (keys_[i] == key) return groups_[i];
+    }
+    return RelateGroups::kNoGroup;
+  }
+
+ private:
+  size_t Slot(int64_t key) const {
+    return static_cast<size_t>((static_cast<uint64_t>(key) * 0x9E3779B97F4A7C15ull) >> 17) & mask_;
+  }
+  size_t mask_ = 0;
+  size_t size_ = 0;
+  std::vector<int64_t> keys_;
+  std::vector<int32_t> groups_;
+};
+
+// TextKeyMap: key to group for the general keys.
+class TextKeyMap {
+ public:
+  explicit TextKeyMap(size_t count) { map_.reserve(count); }
+  size_t size() const { return map_.size(); }
+  int32_t Insert(const std::string& key) {
+    return map_.try_emplace(key, static_cast<int32_t>(map_.size())).first->second;
+  }
+  int32_t Find(const std::string& key) const {
+    const auto found = map_.find(key);
+    return found == map_.end() ? RelateGroups::kNoGroup : found->second;
+  }
+
+ private:
+  std::unordered_map<std::string, int32_t> map_;
+};
+
+inline void Prefetch(const void* address) {
+#if defined(__GNUC__) || defined(__clang__)
+  __builtin_prefetch(address);
+#else
+  (void)address;
+#endif
+}
+
+// Groups the rows with one key maker: make(row cells, key, is_parent) is
+// false for a row that relates to nothing, and throws KeyUnfit when the
+// key kind cannot hold a value, so that the general key takes over.
 struct KeyUnfit {};
 
-template <class Key, class MakeKey>
+template <class Key, class Map, class MakeKey>
 RelateGroups Group(const RowSet& parent, const RowSet& child, MakeKey make) {
   RelateGroups groups;
   const size_t parent_rows = parent.RowCount();
   const size_t parent_width = parent.columns.size();
-  std::unordered_map<Key, int32_t> group_of;
-  group_of.reserve(parent_rows);
+  Map group_of(parent_rows);
   groups.parent_group.assign(parent_rows, RelateGroups::kNoGroup);
   Key key{};
   for (size_t r = 0; r < parent_rows; ++r) {
-    if (!make(parent.cells.data() + r * parent_width, key, true)) continue;
-    const auto next = static_cast<int32_t>(group_of.size());
-    groups.parent_group[r] = group_of.try_emplace(key, next).first->second;
+    if (make(parent.cells.data() + r * parent_width, key, true)) {
+      groups.parent_group[r] = group_of.Insert(key);
+    }
   }
-  const size_t group_count = group_of.size();
-
-  // One pass to find each child row's group, then a counting sort keeps the
-  // child order within every group.
+  groups.group_rows.resize(group_of.size());
   const size_t child_rows = child.RowCount();
   const size_t child_width = child.columns.size();
-  std::vector<int32_t> child_group(child_rows, RelateGroups::kNoGroup);
-  std::vector<uint32_t> counts(group_count + 1, 0);
+  constexpr size_t kAhead = 8;  // rows read ahead: the child rows far outgrow the caches
   for (size_t r = 0; r < child_rows; ++r) {
+    if (r + kAhead < child_rows) Prefetch(child.cells.data() + (r + kAhead) * child_width);
     if (!make(child.cells.data() + r * child_width, key, false)) continue;
-    const auto found = group_of.find(key);
-    if (found == group_of.end()) continue;
-    child_group[r] = found->second;
-    ++counts[static_cast<size_t>(found->second) + 1];
-  }
-  groups.group_start.resize(group_count + 1);
-  uint32_t total = 0;
-  for (size_t g = 0; g <= group_count; ++g) {
-    total += counts[g];
-    groups.group_start[g] = total;
-  }
-  groups.child_rows.resize(total);
-  std::vector<uint32_t> fill(groups.group_start.begin(), groups.group_start.end() - 1);
-  for (size_t r = 0; r < child_rows; ++r) {
-    const int32_t g = child_group[r];
+    const int32_t g = group_of.Find(key);
     if (g != RelateGroups::kNoGroup) {
-      groups.child_rows[fill[static_cast<size_t>(g)]++] = static_cast<uint32_t>(r);
+      groups.group_rows[static_cast<size_t>(g)].push_back(static_cast<uint32_t>(r));
     }
   }
   return groups;
@@ -178,40 +226,41 @@ RelateGroups Group(const RowSet& parent, const RowSet& child, MakeKey make) {
 
 RelateGroups Relate(const RowSet& parent, const std::vector<size_t>& parent_columns,
                     const RowSet& child, const std::vector<size_t>& child_columns) {
+  // The usual relate: one column of whole numbers (IDs) on both sides. Its
+  // keys are the numbers themselves; text, or a number with a fraction,
+  // sends the work to the general key.
+  if (parent_columns.size() == 1) {
+    const size_t pc = parent_columns[0];
+    const size_t cc = child_columns[0];
+    try {
+      return Group<int64_t, WholeNumberMap>(
+          parent, child, [pc, cc](const Variant* row, int64_t& key, bool is_parent) {
+            const Variant& v = row[is_parent ? pc : cc];
+            if (const auto* i = v.Get<int32_t>()) {
+              key = *i;
+              return true;
+            }
+            if (const auto* i = v.Get<int64_t>()) {
+              key = *i;
+              return true;
+            }
+            if (IsNothing(v)) return false;
+            if (v.IsString() || v.IsObject()) throw KeyUnfit{};
+            const std::optional<NumberKey> n = NumberOf(v, Domain::kNumber);
+            if (!n || !n->integral) throw KeyUnfit{};
+            key = n->whole;
+            return true;
+          });
+    } catch (const KeyUnfit&) {
+    }
+  }
+
   std::vector<Domain> domains;
   domains.reserve(parent_columns.size());
   for (size_t i = 0; i < parent_columns.size(); ++i) {
     domains.push_back(DomainOf(parent, parent_columns[i], child, child_columns[i]));
   }
-
-  // The usual relate: one column of whole numbers (IDs). Its keys are the
-  // numbers themselves; any other value sends the work to the general key.
-  if (domains.size() == 1 && domains[0] != Domain::kText) {
-    const Domain domain = domains[0];
-    const size_t pc = parent_columns[0];
-    const size_t cc = child_columns[0];
-    try {
-      return Group<int64_t>(parent, child, [&](const Variant* row, int64_t& key, bool is_parent) {
-        const Variant& v = row[is_parent ? pc : cc];
-        if (const auto* i = v.Get<int32_t>()) {
-          key = *i;
-          return true;
-        }
-        if (const auto* i = v.Get<int64_t>()) {
-          key = *i;
-          return true;
-        }
-        if (IsNothing(v)) return false;
-        const std::optional<NumberKey> n = NumberOf(v, domain);
-        if (!n || !n->integral) throw KeyUnfit{};
-        key = n->whole;
-        return true;
-      });
-    } catch (const KeyUnfit&) {
-    }
-  }
-
-  return Group<std::string>(
+  return Group<std::string, TextKeyMap>(
       parent, child, [&](const Variant* row, std::string& key, bool is_parent) {
         key.clear();
         const std::vector<size_t>& columns = is_parent ? parent_columns : child_columns;

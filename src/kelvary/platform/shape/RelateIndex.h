@@ -29,12 +29,8 @@ struct RelateGroups {
   static constexpr int32_t kNoGroup = -1;
 
   std::vector<int32_t> parent_group;  // per parent row: its group, or kNoGroup (a Null key)
-  // Group g holds child_rows[group_start[g]] .. child_rows[group_start[g + 1] - 1],
-  // in the order of the child rows.
-  std::vector<uint32_t> group_start;
-  std::vector<uint32_t> child_rows;
-
-  size_t GroupCount() const { return group_start.empty() ? 0 : group_start.size() - 1; }
+  // per group: the numbers of its child rows, ascending
+  std::vector<std::vector<uint32_t>> group_rows;
 };
 
 // Relate groups the rows of child under the rows of parent: parent column

@@ -71,46 +71,32 @@ std::vector<std::shared_ptr<Recordset>> Chapters(const ShapeLevel& parent_level,
     parent_columns.push_back(ColumnOf(parent, pair.parent_column, parent_level, "parent"));
     child_columns.push_back(ColumnOf(rows, pair.child_column, child.level, "child"));
   }
-  const RelateGroups groups = Relate(parent, parent_columns, rows, child_columns);
+  RelateGroups groups = Relate(parent, parent_columns, rows, child_columns);
 
-  // Each group's rows are moved out of the child result once; parents that
-  // share a key (duplicates) get copies, the last of them the rows
-  // themselves.
-  const size_t width = rows.columns.size();
-  const size_t group_count = groups.GroupCount();
-  std::vector<uint32_t> holders(group_count, 0);
+  // Every chapter reads its rows where the child result holds them: nothing
+  // is moved or copied, whatever the number of rows. Parents that share a
+  // key (duplicates) get copies of the row list, the last of them the list
+  // itself.
+  std::vector<uint32_t> holders(groups.group_rows.size(), 0);
   for (int32_t g : groups.parent_group) {
     if (g != RelateGroups::kNoGroup) ++holders[static_cast<size_t>(g)];
   }
-  std::vector<RowSet> group_rows(group_count);
-  for (size_t g = 0; g < group_count; ++g) {
-    RowSet& set = group_rows[g];
-    set.columns = rows.columns;
-    const uint32_t begin = groups.group_start[g];
-    const uint32_t end = groups.group_start[g + 1];
-    set.cells.reserve(static_cast<size_t>(end - begin) * width);
-    for (uint32_t i = begin; i < end; ++i) {
-      Variant* row = rows.cells.data() + static_cast<size_t>(groups.child_rows[i]) * width;
-      std::move(row, row + width, std::back_inserter(set.cells));
-    }
-  }
-  rows.cells.clear();
-  rows.cells.shrink_to_fit();
-
+  const auto store = std::make_shared<const RowSet>(std::move(rows));
   const LoadOptions options{child.level.command, run.connection, run.lock_type, run.write_mode};
   std::vector<std::shared_ptr<Recordset>> chapters;
   chapters.reserve(groups.parent_group.size());
   for (int32_t g : groups.parent_group) {
-    RowSet set;
-    if (g == RelateGroups::kNoGroup) {
-      set.columns = rows.columns;
-    } else if (--holders[static_cast<size_t>(g)] == 0) {
-      set = std::move(group_rows[static_cast<size_t>(g)]);
-    } else {
-      set = group_rows[static_cast<size_t>(g)];
+    std::vector<uint32_t> members;
+    if (g != RelateGroups::kNoGroup) {
+      std::vector<uint32_t>& list = groups.group_rows[static_cast<size_t>(g)];
+      if (--holders[static_cast<size_t>(g)] == 0) {
+        members = std::move(list);
+      } else {
+        members = list;
+      }
     }
     auto recordset = std::make_shared<Recordset>();
-    recordset->Engine().Load(std::move(set), options);
+    recordset->Engine().LoadShared(store, std::move(members), options);
     chapters.push_back(std::move(recordset));
   }
   return chapters;
