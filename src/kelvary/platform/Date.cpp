@@ -21,7 +21,7 @@ constexpr std::array<const char*, 7> kDayNames = {"Sunday",   "Monday", "Tuesday
 constexpr int64_t kSecondsPerDay = 86400;
 
 // Days from 1970-01-01 for a proleptic Gregorian date (H. Hinnant's algorithm).
-int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
+constexpr int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
   y -= m <= 2;
   const int64_t era = (y >= 0 ? y : y - 399) / 400;
   const unsigned yoe = static_cast<unsigned>(y - era * 400);
@@ -50,7 +50,7 @@ Civil CivilFromDays(int64_t z) {
 }
 
 // The epoch of the automation date, 1899-12-30, in days from 1970-01-01.
-const int64_t kEpochOffset = DaysFromCivil(1899, 12, 30);
+constexpr int64_t kEpochOffset = DaysFromCivil(1899, 12, 30);
 
 // Splits a serial into its day number and the seconds of its time of day.
 struct Parts {

@@ -275,6 +275,52 @@ class InfoLink {
   // -- look-ups (defined in lookups/) --
 
   // -- keys and record lifecycle (defined in records/) --
+  // GetNextMaxValue: the column's maximum plus one ("No Table mentioned" and
+  // 0 without a table). The Double form counts in doubles.
+  int32_t GetNextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
+                          const std::string& Field_Name,
+                          const std::optional<std::string>& LimitString);
+  double GetNextMaxValueAsDouble(ProjectDataSources SourceofData, const std::string& Table_Name,
+                                 const std::string& Field_Name,
+                                 const std::optional<std::string>& LimitString);
+  // GetNextLocationKey: the next counter of the current physical location
+  // for the table, read and advanced in one transaction on the
+  // sequence-generator connection, behind CurrPhysLocIDPrefix's digits.
+  int32_t GetNextLocationKey(ProjectDataSources SourceofData, const std::string& Table_Name,
+                             const std::string& Field_Name,
+                             const std::optional<std::string>& LimitString);
+  double GetNextLocationKeyAsDouble(ProjectDataSources SourceofData, const std::string& Table_Name,
+                                    const std::string& Field_Name,
+                                    const std::optional<std::string>& LimitString);
+  // FindUniqueKeyFields: the first two fields of the table's unique key
+  // (DataTableFields flagged dtfpUniqueValue or dtfpUniqueValueCombination).
+  void FindUniqueKeyFields(int32_t DataTableID, std::string& KeyField1, std::string& KeyField2);
+  // The bodies that the Long (Key = int32_t) and Double (Key = double) forms
+  // share; defined beside the members that use them.
+  template <class Key>
+  Key GenerateCode(ProjectDataSources SourceofData, const std::string& Table_Name,
+                   const std::string& Field_Name, const std::optional<std::string>& LimitString);
+  template <class Key>
+  Key NextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
+                   const std::string& Field_Name, const std::optional<std::string>& LimitString);
+  template <class Key>
+  Key NextLocationKey(const std::string& Table_Name, const std::optional<std::string>& LimitString);
+  template <class Key>
+  Variant PostActionHistory(ProjectDataSources SourceofData, DBRecordActionTypes DBActionType,
+                            int32_t TableId, const std::string& TableName, int32_t UserId,
+                            Key KeyValue1, Key KeyValue2, const std::string& KeyField1,
+                            const std::string& KeyField2);
+  // TableKey: the table-key collection's entry for a table (Error 5 when
+  // there is none); StoreTableKey replaces or adds it.
+  std::shared_ptr<Variant> TableKey(const std::string& Table_Name);
+  void StoreTableKey(const std::string& Table_Name, const Variant& value);
+  // MoveToDataTableRow positions the data-tables recordset on the table's
+  // row, by the ID the table-key collection remembers or else by name
+  // (remembering the ID found); true when the ID was already known.
+  bool MoveToDataTableRow(const std::string& Table_Name);
+  // TableIdOf: a table's DataTables ID for safe delete and the action
+  // history; 0, after "Use Dravent to define", when it is not defined.
+  int32_t TableIdOf(const std::string& TableName);
 
   std::string core_data_table_;
   std::shared_ptr<Connection> app_data_xion_;

@@ -1,0 +1,357 @@
+// Key generation: new numeric keys by the method GenCodeMethod names, the
+// counters behind them, and patient registration numbers.
+//
+// The Long and Double forms share one body (a template on the key type);
+// they differ only where the system makes them differ: the counter column
+// of a location (CurrentMaxID or CurrentMaxIDDouble), the event raised to
+// the host, and the Long form of the max-collection mode.
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+#include "kelvary/platform/Date.h"
+#include "kelvary/platform/Messages.h"
+#include "kelvary/service/InfoLink.h"
+
+namespace kelvary {
+namespace {
+
+template <class Key>
+constexpr bool kIsLong = std::is_same_v<Key, int32_t>;
+
+// KeyOf: a value as a key of the form's type, by the one conversion module
+// (a Long that does not fit raises Overflow).
+template <class Key>
+Key KeyOf(const Variant& value) {
+  if constexpr (kIsLong<Key>) {
+    return CLng(value);
+  } else {
+    return CDbl(value);
+  }
+}
+
+template <class Key>
+Key PlusOne(Key key) {
+  return KeyOf<Key>(Variant(static_cast<double>(key) + 1.0));
+}
+
+template <class Key>
+std::string KeyText(Key key) {
+  if constexpr (kIsLong<Key>) {
+    return std::to_string(key);
+  } else {
+    return NumberText(key);
+  }
+}
+
+// The location counter is advanced in one transaction with its read, so
+// that two processes asking at the same time never receive the same key.
+// On SQLite the transaction takes the write lock when it begins (BEGIN
+// IMMEDIATE), so the read cannot be overtaken by another writer. Without an
+// open connection there is nothing to lock: the reads then fail and report
+// as they always did.
+class CounterTransaction {
+ public:
+  explicit CounterTransaction(const std::shared_ptr<Connection>& connection) {
+    if (connection && connection->State() == adStateOpen) {
+      connection->BeginTrans();
+      connection_ = connection;
+    }
+  }
+  ~CounterTransaction() {
+    if (!connection_) return;
+    try {
+      connection_->RollbackTrans();
+    } catch (...) {
+    }
+  }
+  CounterTransaction(const CounterTransaction&) = delete;
+  CounterTransaction& operator=(const CounterTransaction&) = delete;
+
+  // Commit keeps the counter; a failed commit is rolled back by the
+  // destructor and its error reaches the caller.
+  void Commit() {
+    if (!connection_) return;
+    connection_->CommitTrans();
+    connection_.reset();
+  }
+
+ private:
+  std::shared_ptr<Connection> connection_;
+};
+
+// FirstLetter: the first character of text (a whole UTF-8 sequence), in
+// upper case.
+std::string FirstLetter(const std::string& text) {
+  if (text.empty()) return "";
+  const auto lead = static_cast<unsigned char>(text[0]);
+  size_t length = 1;
+  if (lead >= 0xF0) {
+    length = 4;
+  } else if (lead >= 0xE0) {
+    length = 3;
+  } else if (lead >= 0xC0) {
+    length = 2;
+  }
+  std::string letter = text.substr(0, length);
+  if (length == 1 && lead >= 'a' && lead <= 'z') letter[0] = static_cast<char>(lead - 'a' + 'A');
+  return letter;
+}
+
+std::string TrimBlanks(const std::string& text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+// ---- The public members ----
+
+int32_t InfoLink::GenerateNumericCode(ProjectDataSources SourceofData,
+                                      const std::string& Table_Name, const std::string& Field_Name,
+                                      const std::optional<std::string>& LimitString) {
+  return GenerateCode<int32_t>(SourceofData, Table_Name, Field_Name, LimitString);
+}
+
+double InfoLink::GenerateNumericCodeAsDouble(ProjectDataSources SourceofData,
+                                             const std::string& Table_Name,
+                                             const std::string& Field_Name,
+                                             const std::optional<std::string>& LimitString) {
+  return GenerateCode<double>(SourceofData, Table_Name, Field_Name, LimitString);
+}
+
+void InfoLink::UpdateTableMaxID(const std::string& Table_Name, int32_t MaxCd) {
+  switch (GenCodeMethod) {
+    case cgmMaxCollection:
+      StoreTableKey(Table_Name, Variant(MaxCd));
+      break;
+    case cgmDynamicTables:
+      MoveToDataTableRow(Table_Name);
+      data_tables_->Fields("MaxID").Value(Variant(MaxCd));
+      data_tables_->Update();
+      break;
+    default:
+      MsgBox("Not Handled !");
+      break;
+  }
+}
+
+std::string InfoLink::GetRegNo(const std::string& FName, const std::string& MName,
+                               const std::string& LName) {
+  std::string prefix = FirstLetter(FName);
+  size_t letters = 0;  // how many leading characters are not the counter
+  const std::string middle = TrimBlanks(MName);
+  if (!middle.empty()) {
+    prefix += FirstLetter(middle) + FirstLetter(LName);
+    letters = 3;
+  } else {
+    // The "0" is read back as part of the counter, which so has five
+    // digits behind two letters: kept, numbers already issued rely on it.
+    prefix += FirstLetter(LName) + "0";
+    letters = 2;
+  }
+  // "*" whatever the database: the drivers read it as the LIKE wild card.
+  const std::string sql =
+      "Select Max(regnno) as MaxVal from patients where regnno like '" + prefix + "*'";
+  std::shared_ptr<Recordset> rs;
+  int32_t next = 1;
+  if (FillRecordSet(pdsmaindata, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
+    const Variant& highest = rs->Fields("MaxVaL").Value();
+    if (!highest.IsNull()) {
+      const std::string text = TextOf(highest);
+      if (text.size() > letters) next = PlusOne(CLng(Variant(text.substr(letters))));
+    }
+  }
+  SafelyCloseRecordSet(rs);
+  return prefix + FormatNumber(next, std::string(7 - letters, '0'));
+}
+
+// ---- The private members ----
+
+int32_t InfoLink::GetNextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
+                                  const std::string& Field_Name,
+                                  const std::optional<std::string>& LimitString) {
+  return NextMaxValue<int32_t>(SourceofData, Table_Name, Field_Name, LimitString);
+}
+
+double InfoLink::GetNextMaxValueAsDouble(ProjectDataSources SourceofData,
+                                         const std::string& Table_Name,
+                                         const std::string& Field_Name,
+                                         const std::optional<std::string>& LimitString) {
+  return NextMaxValue<double>(SourceofData, Table_Name, Field_Name, LimitString);
+}
+
+int32_t InfoLink::GetNextLocationKey(ProjectDataSources /*SourceofData*/,
+                                     const std::string& Table_Name,
+                                     const std::string& /*Field_Name*/,
+                                     const std::optional<std::string>& LimitString) {
+  return NextLocationKey<int32_t>(Table_Name, LimitString);
+}
+
+double InfoLink::GetNextLocationKeyAsDouble(ProjectDataSources /*SourceofData*/,
+                                            const std::string& Table_Name,
+                                            const std::string& /*Field_Name*/,
+                                            const std::optional<std::string>& LimitString) {
+  return NextLocationKey<double>(Table_Name, LimitString);
+}
+
+template <class Key>
+Key InfoLink::GenerateCode(ProjectDataSources SourceofData, const std::string& Table_Name,
+                           const std::string& Field_Name,
+                           const std::optional<std::string>& LimitString) {
+  switch (GenCodeMethod) {
+    case cgmDefault:
+    case cgmRawGenerate:
+    case cgmDCOM:
+    case cgmStoredProcedure:
+      return NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString);
+
+    case cgmMaxCollection: {
+      Key n = 0;
+      if constexpr (kIsLong<Key>) {
+        // Deliberate: the Long form reads the table's name as the last key,
+        // not the collection's entry, so it works only for numeric names
+        // and raises a type mismatch for any other.
+        n = CLng(Variant(Table_Name));
+      } else {
+        n = CDbl(*TableKey(Table_Name));
+      }
+      n = n == 0 ? NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString)
+                 : PlusOne(n);
+      StoreTableKey(Table_Name, Variant(n));
+      return n;
+    }
+
+    case cgmDynamicTables: {
+      const bool id_known = MoveToDataTableRow(Table_Name);
+      const Key n = id_known ? PlusOne(KeyOf<Key>(data_tables_->Fields("MaxID").Value()))
+                             : NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString);
+      data_tables_->Fields("MaxID").Value(Variant(n));
+      data_tables_->Update();
+      return n;
+    }
+
+    case cgmNetworkServer: {
+      Key value = 0;
+      const std::string limit = LimitString.value_or("");
+      Raise([&](InfoLinkEvents& sink) {
+        if constexpr (kIsLong<Key>) {
+          sink.RequestRemoteNextID(value, SourceofData, Table_Name, Field_Name, limit);
+        } else {
+          sink.RequestRemoteNextIDAsDouble(value, SourceofData, Table_Name, Field_Name, limit);
+        }
+      });
+      return value;
+    }
+
+    case cgmPhysicalLocationWise:
+      // System data has no location counters.
+      if (SourceofData == pdssystem) {
+        return NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString);
+      }
+      return NextLocationKey<Key>(Table_Name, LimitString);
+  }
+  return 0;  // a method the system does not know makes no key
+}
+
+template <class Key>
+Key InfoLink::NextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
+                           const std::string& Field_Name,
+                           const std::optional<std::string>& LimitString) {
+  if (Table_Name.empty()) {
+    MsgBox("No Table mentioned");
+    return 0;
+  }
+  std::string sql = "Select Max(" + Field_Name + ")  As Max_Value From " + Table_Name;
+  // A limit of five characters or fewer is ignored, deliberately.
+  if (LimitString && LimitString->size() > 5) sql += " Where " + *LimitString;
+  std::shared_ptr<Recordset> rs;
+  Key highest = 0;
+  if (FillRecordSet(SourceofData, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
+    const Variant& value = rs->Fields("Max_Value").Value();
+    if (!value.IsNull()) highest = KeyOf<Key>(value);
+  }
+  SafelyCloseRecordSet(rs);
+  return PlusOne(highest);
+}
+
+template <class Key>
+Key InfoLink::NextLocationKey(const std::string& Table_Name,
+                              const std::optional<std::string>& LimitString) {
+  const int32_t table_id = CLng(*TableKey(Table_Name));
+  if (LimitString && !LimitString->empty()) {
+    MsgBox("Limit String : " + *LimitString + " not supported for Table Name :" + Table_Name);
+  }
+  const std::string counter = kIsLong<Key> ? "CurrentMaxID" : "CurrentMaxIDDouble";
+  const int32_t location_id = CurrentPhysicalLocationID;
+  const std::string sql =
+      "Select * from LocationTableKeys where (DataTableID = " + std::to_string(table_id) +
+      " )  and ( LocationID = " + std::to_string(location_id) + " ) ";
+
+  CounterTransaction transaction(sequence_generator_xion_);
+  std::shared_ptr<Recordset> rs;
+  Key count = 0;
+  if (FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
+    const Variant& stored = rs->Fields(counter).Value();
+    count = PlusOne(stored.IsNull() ? Key{0} : KeyOf<Key>(stored));
+  } else {
+    SafelyCloseRecordSet(rs);
+    FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenStatic, adLockOptimistic);
+    rs->AddNew();
+    rs->Fields("DataTableId").Value(Variant(table_id));
+    rs->Fields("LocationID").Value(Variant(location_id));
+    rs->Fields(counter).Value(Variant(Key{1}));
+    rs->Update();
+    count = 1;
+  }
+  SafelyCloseRecordSet(rs);
+  // A counter stored as Null or 0 gives 1 and is left as it is, so it gives
+  // 1 again next time: intended, a new row already holds 1.
+  if (count > 1) {
+    ExecuteSQL(pdsSequenceGenerator,
+               "Update LocationTableKeys set " + counter + " = " + counter +
+                   " + 1 where (DataTableID = " + std::to_string(table_id) +
+                   " )  and ( LocationID = " + std::to_string(CurrentPhysicalLocationID) + " ) ");
+  }
+  transaction.Commit();
+
+  if (CurrPhysLocIDPrefix == 0) MsgBox("CurrPhysLocIDPrefix = 0 ");
+  // The prefix's digits followed by the counter's: prefix 12, counter 345
+  // give 12345.
+  return KeyOf<Key>(Variant(std::to_string(CurrPhysLocIDPrefix) + KeyText(count)));
+}
+
+std::shared_ptr<Variant> InfoLink::TableKey(const std::string& Table_Name) {
+  if (!table_keys_) table_keys_ = std::make_shared<KeyedCollection<Variant>>();
+  return table_keys_->Item(Table_Name);
+}
+
+void InfoLink::StoreTableKey(const std::string& Table_Name, const Variant& value) {
+  if (!table_keys_) table_keys_ = std::make_shared<KeyedCollection<Variant>>();
+  if (const auto entry = table_keys_->Find(Table_Name)) {
+    *entry = value;
+  } else {
+    table_keys_->Add(std::make_shared<Variant>(value), Table_Name);
+  }
+}
+
+bool InfoLink::MoveToDataTableRow(const std::string& Table_Name) {
+  if (!data_tables_) {
+    throw Error(kErrObjectVariableNotSet,
+                "The data-tables recordset is not loaded: key generation by dynamic tables needs "
+                "InitLists in that mode");
+  }
+  const std::shared_ptr<Variant> entry = TableKey(Table_Name);
+  const int32_t id = CLng(*entry);
+  data_tables_->MoveFirst();
+  if (id != 0) {
+    data_tables_->Find("ID = " + std::to_string(id));
+    return true;
+  }
+  data_tables_->Find("ValuesTable Like '" + Table_Name + "'");
+  *entry = Variant(CLng(data_tables_->Fields("ID").Value()));
+  return false;
+}
+
+}  // namespace kelvary

@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include "records/RecordsFixture.h"
+
+namespace kelvary {
+namespace {
+
+using testing::RecordsTest;
+using Strings = std::vector<std::string>;
+
+class SampleDataTest : public RecordsTest {
+ protected:
+  SampleDataTest() {
+    main_db_.Run(
+        "INSERT INTO patients (ID) VALUES (1), (2), (3), (4); "
+        "INSERT INTO visits (ID, PatientID) VALUES (1, 1), (10, 3), (11, 4); "
+        "INSERT INTO Cities (ID) VALUES (1), (2); "
+        "INSERT INTO SelectedRecords (DataTableID, RecordID) VALUES (5, 3), (6, 10)");
+  }
+  std::string Ids(const std::string& table) {
+    return Value(main_db_,
+                 "SELECT group_concat(ID) FROM (SELECT ID FROM " + table + " ORDER BY ID)");
+  }
+  std::string Marks() {
+    return Value(system_db_, "SELECT group_concat(ID || ':' || FirstSampleDataID) FROM DataTables");
+  }
+};
+
+TEST_F(SampleDataTest, NothingMarkedNothingDeleted) {
+  auto link = Connect(cgmDefault);
+  EXPECT_FALSE(link->DoesSampleDataExist());
+  link->DeleteSampleData();
+  EXPECT_EQ(messages_.Texts(), Strings{"No sample data found"});
+  EXPECT_EQ(Ids("patients"), "1,2,3,4");
+  EXPECT_EQ(Value(main_db_, "SELECT count(*) FROM SelectedRecords"), "2");
+}
+
+TEST_F(SampleDataTest, DeletesFromEveryMarkedTableAndResetsMarksOnlyOnYes) {
+  system_db_.Run(
+      "UPDATE DataTables SET FirstSampleDataID = 3 WHERE ID = 5; "
+      "UPDATE DataTables SET FirstSampleDataID = 10 WHERE ID = 6");
+  auto link = Connect(cgmDefault);
+  EXPECT_TRUE(link->DoesSampleDataExist());
+  link->DeleteSampleData();  // the recorder answers No
+  EXPECT_EQ(Ids("patients"), "1,2");
+  EXPECT_EQ(Ids("visits"), "1");
+  EXPECT_EQ(Ids("Cities"), "1,2");
+  EXPECT_EQ(Value(main_db_, "SELECT count(*) FROM SelectedRecords"), "0");
+  EXPECT_EQ(messages_.Texts(),
+            (Strings{"Reset the sample data marks of the data tables ?", "Sample data deleted"}));
+  EXPECT_EQ(messages_.Messages()[0].buttons, vbYesNo);
+  EXPECT_EQ(Marks(), "5:3,6:10,7:0");
+  EXPECT_TRUE(link->DoesSampleDataExist());
+
+  messages_.AnswerNext(vbYes);
+  link->DeleteSampleData();
+  EXPECT_EQ(Marks(), "5:0,6:0,7:0");
+  EXPECT_FALSE(link->DoesSampleDataExist());
+}
+
+TEST_F(SampleDataTest, ATableWhoseDeleteFailsKeepsItsRowsAndItsMark) {
+  // The last sample visit refuses to go: the whole table stays as it was.
+  main_db_.Run(
+      "CREATE TRIGGER keep_visit BEFORE DELETE ON visits WHEN old.ID = 11 "
+      "BEGIN SELECT RAISE(ABORT, 'visit 11 is locked'); END");
+  system_db_.Run(
+      "UPDATE DataTables SET FirstSampleDataID = 3 WHERE ID = 5; "
+      "UPDATE DataTables SET FirstSampleDataID = 10 WHERE ID = 6");
+  auto link = Connect(cgmDefault);
+  messages_.AnswerNext(vbOK);  // the failure
+  messages_.AnswerNext(vbYes);
+  link->DeleteSampleData();
+  EXPECT_EQ(Ids("visits"), "1,10,11");
+  EXPECT_EQ(Ids("patients"), "1,2");
+  EXPECT_EQ(Marks(), "5:0,6:10,7:0");
+  const Strings texts = messages_.Texts();
+  ASSERT_EQ(texts.size(), 3u);
+  EXPECT_EQ(texts[0].rfind("Error executing sql : Delete from visits where ID >= 10\r\n", 0), 0u)
+      << texts[0];
+  EXPECT_EQ(texts[1], "Reset the sample data marks of the data tables ?");
+  EXPECT_EQ(texts[2], "Sample data could not be deleted from : visits");
+}
+
+}  // namespace
+}  // namespace kelvary
