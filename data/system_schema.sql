@@ -8,7 +8,7 @@ CREATE TABLE DataTables (
   Caption VARCHAR(100),
   NewRecordScreenID INTEGER,
   TableType INTEGER DEFAULT 0,
-  TableLocation INTEGER DEFAULT 1,
+  TableLocation INTEGER NOT NULL DEFAULT 1,
   TableContentType INTEGER DEFAULT 0,
   TableProps INTEGER DEFAULT 0,
   MaxID INTEGER DEFAULT 0,
@@ -36,7 +36,7 @@ CREATE TABLE FillNSearchLinks (
   SelectCaption VARCHAR(100),
   LargeNumberOFEntries BOOLEAN,
   SearchWhereClause VARCHAR(1000),
-  SearchTable INTEGER DEFAULT 0,
+  SearchTable INTEGER NOT NULL DEFAULT 0,
   SearchWnd INTEGER DEFAULT 0
 );
 

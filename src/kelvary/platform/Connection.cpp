@@ -42,8 +42,10 @@ std::unique_ptr<DriverConnection> OpenDriver(const std::string& connection_strin
     }
     case internal::DriverChoice::kOdbc: {
 #ifdef KELVARY_HAVE_ODBC
-      return OpenOdbcConnection(choice.odbc_string, user_id.empty() ? choice.user : user_id,
-                                password.empty() ? choice.password : password);
+      auto odbc = OpenOdbcConnection(choice.odbc_string, user_id.empty() ? choice.user : user_id,
+                                     password.empty() ? choice.password : password);
+      odbc->SetBusyTimeout(busy_seconds);  // the server's lock wait, as SQLite gets it at open
+      return odbc;
 #else
       (void)user_id;
       (void)password;

@@ -273,6 +273,17 @@ class InfoLink {
   }
 
   // -- look-ups (defined in lookups/) --
+  // FillID: the statement that lists every entry of a search link for a
+  // list control, with its display and value fields and its data source;
+  // "" (after a message) when the link is missing.
+  std::string FillID(int32_t SearchLinkID, std::string& DisplayField, std::string& ValueField,
+                     ProjectDataSources& SourceData);
+  // IsLargeSearchLink: True for a multi-select link value, otherwise the
+  // link's LargeNumberOFEntries.
+  bool IsLargeSearchLink(int32_t SearchLinkID);
+  // Metadata: the index over the two caches, built on first use after
+  // InitLists. Held by the caller for as long as it reads records from it.
+  std::shared_ptr<const lookups::MetadataIndex> Metadata();
 
   // -- keys and record lifecycle (defined in records/) --
   // GetNextMaxValue: the column's maximum plus one ("No Table mentioned" and

@@ -1,0 +1,51 @@
+// The ODBC driver: client/server databases (PostgreSQL, SQL Server, Oracle,
+// MariaDB, ...) through the platform's driver manager (unixODBC on Linux).
+// It is the only code that calls the ODBC API; everything else reaches it as
+// a DriverConnection.
+//
+// What it does on top of plain ODBC, so that the cursor engine above gets
+// the same behaviour as from the SQLite driver:
+// - Text crosses ODBC as UTF-16 and reaches the library as UTF-8.
+// - Rows are fetched with bound column arrays a block at a time (see
+//   internal/OdbcResult.h for the types and values each column gets).
+// - Key columns come from SQLPrimaryKeys, or from SQLSpecialColumns (the
+//   row identifier, real columns only) for a table without a primary key;
+//   they are cached per table for the life of the connection and forgotten
+//   when a CREATE, ALTER or DROP runs through it.
+// - LastInsertedKey asks the server in its own words: PostgreSQL the
+//   column's sequence (currval, inside a savepoint when a transaction is
+//   open, so that a key that was never generated does not abort the
+//   transaction), SQL Server @@IDENTITY, MySQL and MariaDB LAST_INSERT_ID(),
+//   SQLite last_insert_rowid(); Empty elsewhere.
+// - SetBusyTimeout sets the server's lock wait where it has one (PostgreSQL
+//   lock_timeout, SQL Server LOCK_TIMEOUT, MySQL/MariaDB
+//   innodb_lock_wait_timeout), 0 meaning wait as long as it takes; for other
+//   servers it becomes each statement's query timeout.
+// - Transactions switch autocommit off until the commit or rollback;
+//   nesting is refused.
+//
+// For PostgreSQL through psqlodbc, configure the data source with
+// BoolsAsChar=0 (so that booleans read as Boolean, not text) and with Debug=0
+// and CommLog=0 (the driver's logs slow every call).
+//
+// A connection is used by one thread at a time.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "kelvary/platform/drivers/Driver.h"
+
+namespace kelvary {
+
+// OpenOdbcConnection connects through ODBC. connection_string is "DSN=<name>"
+// (a bare name is taken as a data-source name too) or a driver connection
+// string such as "Driver={PostgreSQL Unicode};Server=...;Database=...",
+// passed as it stands. user and password, when not empty, are added as UID
+// and PWD. Throws Error with the driver manager's or driver's message and
+// SQLSTATE when the connection fails.
+std::unique_ptr<DriverConnection> OpenOdbcConnection(const std::string& connection_string,
+                                                     const std::string& user,
+                                                     const std::string& password);
+
+}  // namespace kelvary
