@@ -1,0 +1,320 @@
+// Loading a stored definition from the demo configuration: the query row,
+// the templates, the levels, tables and fields, and the condition groups,
+// parameters and sort options.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DemoPractice.h"
+#include "kelvary/platform/Recordset.h"
+#include "kelvary/query/QueryInterpretor.h"
+#include "support/MessageRecorder.h"
+
+namespace kelvary::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+std::vector<std::string> Texts(const GeneralCollection& list) {
+  std::vector<std::string> texts;
+  for (const auto& entry : list)
+    texts.push_back(CStr(*entry));
+  return texts;
+}
+
+TEST(InitSettings, MissingOrUnknownQueryShowsItsMessage) {
+  DemoPractice practice;
+  MessageRecorder messages;
+
+  // No code: nothing is read, not even the valid template.
+  QueryInterpretor none;
+  none.InitSettings("any", 0, 1, true);
+  EXPECT_THAT(messages.Texts(), ElementsAre("No Query specified"));
+  EXPECT_EQ(none.ShapeNests()->Count(), 0);
+  EXPECT_EQ(none.TemplateDescription, "");
+  EXPECT_EQ(none.RepKey, "any");
+  EXPECT_TRUE(none.InterpretXtal);
+  EXPECT_EQ(none.TemplateId, 1);
+
+  // Unknown code: the message, then the template is read regardless.
+  messages.Clear();
+  QueryInterpretor unknown;
+  unknown.InitSettings("", 999, 2, false);
+  EXPECT_THAT(messages.Texts(), ElementsAre("Query ID 999 not found"));
+  EXPECT_EQ(unknown.TemplateDescription, "Visits of patients with a given name");
+  EXPECT_EQ(unknown.QueryBuildMethod, qbmAppDefined);
+  EXPECT_EQ(unknown.ShapeNests()->Count(), 0);
+}
+
+TEST(InitSettings, KeepsTheParameterStringAsGiven) {
+  DemoPractice practice;
+  for (const std::string& rep :
+       {std::string(""), std::string("  a;b='c'  "), std::string("\xC3\xA9t\xC3\xA9\t\n")}) {
+    QueryInterpretor qi;
+    qi.InitSettings(rep, 3, 2, false);
+    EXPECT_EQ(qi.RepKey, rep);
+  }
+}
+
+TEST(InitSettings, ReadsTheQueryRow) {
+  DemoPractice practice;
+  QueryInterpretor users;
+  users.InitSettings("", 9, 0, false);
+  EXPECT_EQ(users.QueryID, 9);
+  EXPECT_EQ(users.QueryBuildMethod, qbmDigitalBuild);
+  EXPECT_TRUE(users.IsSystemData);
+  EXPECT_EQ(users.NumNestedLevels, 1);
+  EXPECT_EQ(users.RawSQL, "");  // NULL text reads as ""
+
+  QueryInterpretor report;
+  report.InitSettings("", 8, 0, false);
+  EXPECT_EQ(report.QueryBuildMethod, qbmXtalReportQuery);
+  EXPECT_EQ(report.DataSupplier, 3);
+  EXPECT_FALSE(report.IsSystemData);
+  EXPECT_EQ(report.RawSQL, "Select InvoiceDate, Amount, Paid From invoices");
+}
+
+TEST(InitSettings, StoredTextQueriesLoadNoModel) {
+  // Query 6 has a level row for its marker, and template 1 has groups and
+  // parameters: neither is read for a query that is not built.
+  DemoPractice practice;
+  QueryInterpretor qi;
+  qi.InitSettings("", 6, 1, false);
+  EXPECT_EQ(qi.QueryBuildMethod, qbmDirectADO);
+  EXPECT_EQ(qi.ShapeNests()->Count(), 0);
+  EXPECT_EQ(qi.CurrentConditions()->Count(), 0);
+  EXPECT_FALSE(qi.AreThereAnyParameters(false));
+  EXPECT_EQ(qi.TemplateDescription, "Patients by name, city, insurance and age");
+}
+
+TEST(InitSettings, ReportTemplatesComeFromTheirOwnTable) {
+  DemoPractice practice;
+  QueryInterpretor monthly;  // supplier 3, set NULL
+  monthly.TemplateSet = 7;
+  monthly.InitSettings("", 8, 1, false);
+  EXPECT_EQ(monthly.TemplateDescription, "Monthly invoice report");
+  EXPECT_EQ(monthly.TemplateSupplier, 3);
+  EXPECT_EQ(monthly.TemplateSet, 0);
+
+  QueryInterpretor unpaid;  // supplier NULL, set 4
+  unpaid.InitSettings("", 8, 2, false);
+  EXPECT_EQ(unpaid.TemplateDescription, "Unpaid invoices report");
+  EXPECT_EQ(unpaid.TemplateSupplier, 0);
+  EXPECT_EQ(unpaid.TemplateSet, 4);
+
+  // A built query reads its template from QueryTemplates: the report
+  // template's fields stay as they were.
+  QueryInterpretor built;
+  built.InitSettings("", 1, 1, false);
+  EXPECT_EQ(built.TemplateDescription, "Patients by name, city, insurance and age");
+  EXPECT_EQ(built.TemplateSupplier, 0);
+}
+
+TEST(IsSimpleTemplate, OnlyTheMarkerOneCounts) {
+  DemoPractice practice(
+      "INSERT INTO XQueryTemplates (ID, QueryID, Description, SimpleQueryTemplateID) VALUES "
+      "(10, 8, 'zero', 0), (11, 8, 'null', NULL), (12, 8, 'one again', 1)");
+  const std::vector<std::pair<int32_t, bool>> expected = {{1, true},   {2, false}, {10, false},
+                                                          {11, false}, {12, true}, {99, false}};
+  for (const auto& [template_id, simple] : expected) {
+    QueryInterpretor qi;
+    qi.TemplateId = template_id;
+    EXPECT_EQ(qi.IsSimpleTemplate(), simple) << "template " << template_id;
+  }
+}
+
+TEST(InitSettings, LoadsLevelsTablesAndFieldsUnderTheirKeys) {
+  DemoPractice practice;
+  QueryInterpretor qi;
+  qi.InitSettings("", 5, 0, false);
+  const auto& levels = qi.ShapeNests();
+  ASSERT_EQ(levels->Count(), 4);
+  std::vector<int32_t> order;
+  for (const auto& level : *levels)
+    order.push_back(level->ID);
+  EXPECT_THAT(order, ElementsAre(50, 51, 52, 53));
+
+  // The flag marks the levels that have children, not the children.
+  EXPECT_TRUE(levels->Item("S50")->bUseParentFieldLink);
+  EXPECT_FALSE(levels->Item("S51")->bUseParentFieldLink);
+  EXPECT_TRUE(levels->Item("S52")->bUseParentFieldLink);
+  EXPECT_FALSE(levels->Item("S53")->bUseParentFieldLink);
+
+  const auto& invoices = levels->Item("S52");
+  EXPECT_EQ(invoices->ShapeIndex, 2);
+  EXPECT_EQ(invoices->ParentShapeId, 50);
+  EXPECT_EQ(invoices->ParentFieldLinkID, 301);
+  EXPECT_EQ(invoices->ChildFieldLinkID, 303);
+  EXPECT_EQ(invoices->Depth, 2);
+  EXPECT_EQ(invoices->BaseTableID, 3);
+  EXPECT_EQ(invoices->ShapeName, "Invoices");
+
+  const auto& patients = levels->Item("S50")->OutPutTables()->Item("T50");
+  EXPECT_EQ(patients->TableName, "patients");
+  EXPECT_EQ(patients->TableAlias, "p");
+  EXPECT_EQ(patients->DataTableId, 1);
+  EXPECT_EQ(patients->NestedBinding, 50);
+  const auto& reg_no = patients->OutputFields()->Item("F500");
+  EXPECT_EQ(reg_no->FieldName, "regnno");
+  EXPECT_EQ(reg_no->FieldAlias, "RegNo");
+  EXPECT_EQ(reg_no->DataFieldID, 102);
+  EXPECT_EQ(reg_no->QueryDataTableID, 50);
+  EXPECT_EQ(reg_no->Title, "Registration number");
+  EXPECT_THAT(Texts(*levels->Item("S52")->SortedOPFields()), ElementsAre("F520T52", "F521T52"));
+}
+
+TEST(InitSettings, NamesBothColumnsOfAJoin) {
+  DemoPractice practice;
+  QueryInterpretor qi;
+  qi.InitSettings("", 1, 0, false);
+  const auto& city = qi.ShapeNests()->Item("S10")->OutPutTables()->Item("T11");
+  EXPECT_EQ(city->ParentDataTable, 10);
+  EXPECT_EQ(city->ParentDataField, 110);
+  EXPECT_EQ(city->SourceDataField, 501);
+  EXPECT_EQ(city->ParentDataFieldName, "CityID");
+  EXPECT_EQ(city->SourceDataFieldName, "ID");
+  EXPECT_EQ(city->TableName, "Cities");
+  EXPECT_EQ(city->Depth, 2);
+}
+
+TEST(LoadTemplateConditions, GroupsParametersAndSortOptions) {
+  DemoPractice practice;
+  QueryInterpretor qi;
+  qi.InitSettings("", 1, 1, false);
+  const auto& groups = qi.CurrentConditions();
+  std::vector<int32_t> order;
+  for (const auto& group : *groups)
+    order.push_back(group->ID);
+  EXPECT_THAT(order, ElementsAre(1, 2, 3));
+  EXPECT_EQ(groups->Item("C2")->NodeType, ntAny);
+  EXPECT_EQ(groups->Item("C2")->ParentGroupId, 1);
+  EXPECT_EQ(groups->Item("C2")->NodeLevel, 1);
+  EXPECT_EQ(groups->Item("C2")->NestedBinding, 10);
+  EXPECT_EQ(groups->Item("C3")->ChildConditions()->Count(), 0);
+  EXPECT_EQ(groups->Item("C2")->ChildConditions()->Count(), 2);
+  EXPECT_EQ(groups->Item("C1")->ChildConditions()->Count(), 4);
+
+  const auto& born = groups->Item("C1")->ChildConditions()->Item("R3");
+  EXPECT_EQ(born->Operator, cmpBetween);
+  EXPECT_EQ(born->SUBOperator, drsUserSpecifiedDates);
+  EXPECT_EQ(born->Value1, Variant("1950-01-01"));  // as stored: text
+  EXPECT_EQ(born->Value2, Variant("1979-12-31"));
+  EXPECT_EQ(born->DataFormat, fdtDate);
+  EXPECT_EQ(born->FieldName, "DOB");
+  EXPECT_EQ(born->Title, "Born");
+  EXPECT_EQ(born->QueryDataTableID, 10);
+  EXPECT_EQ(born->ConditionID, 1);
+  EXPECT_EQ(born->DataFieldID, 107);
+  EXPECT_FALSE(born->Essential);
+  EXPECT_TRUE(born->Removable);
+  EXPECT_FALSE(born->Hidden);
+  EXPECT_EQ(born->CodeChar, "");  // kept for the host, not loaded
+
+  const auto& last_name = groups->Item("C1")->ChildConditions()->Item("R1");
+  EXPECT_EQ(last_name->SUBOperator, 0);  // NULL leaves the default
+  EXPECT_TRUE(last_name->Essential);
+  EXPECT_FALSE(last_name->Removable);
+
+  // Essential NULL keeps the True given at Add.
+  EXPECT_TRUE(groups->Item("C1")->ChildConditions()->Item("R2")->Essential);
+
+  const auto& city = groups->Item("C2")->ChildConditions()->Item("R4");
+  EXPECT_EQ(city->SearchLinkID, 1);
+  EXPECT_FALSE(city->HasManyEntries);
+  EXPECT_TRUE(city->Value2.IsEmpty());  // NULL leaves it Empty
+
+  // Rows 1 and 6 are also sort options; their level is their group's.
+  const auto& sorts = qi.TemplateSortOptions();
+  ASSERT_EQ(sorts->Count(), 2);
+  EXPECT_EQ(sorts->Item("S1")->SortOrder, 1);
+  EXPECT_FALSE(sorts->Item("S1")->SortDescending);
+  EXPECT_EQ(sorts->Item("S6")->SortOrder, 2);
+  EXPECT_TRUE(sorts->Item("S6")->SortDescending);
+  EXPECT_EQ(sorts->Item("S6")->ShapeNestBindings, 10);
+  EXPECT_EQ(sorts->Item("S6")->ID, 0);
+}
+
+TEST(LoadTemplateConditions, SearchAndSortOrdersDecideWhatARowIs) {
+  DemoPractice practice(
+      "INSERT INTO QueryTemplates (ID, QueryID, Description) VALUES (100, 3, 'orders');"
+      "INSERT INTO QueryConditionGroups (ID, QueryTemplateID, NestedBinding) VALUES (100, 100, 31);"
+      "INSERT INTO QueryTemplateParameters (ID, QueryConditionID, QueryDataTableID, DataFieldID,"
+      " Operator, Essential, SearchOrder, SortOrder, SortDescending) VALUES"
+      " (100, 100, 31, 203, 1, NULL, 0, 2, TRUE),"    // a sort option only
+      " (101, 100, 31, 206, 2, NULL, 1, 1, FALSE),"   // both
+      " (102, 100, 31, 204, 1, NULL, 0, 0, FALSE)");  // neither
+  QueryInterpretor qi;
+  qi.InitSettings("", 3, 100, false);
+  const auto& params = qi.CurrentConditions()->Item("C100")->ChildConditions();
+  ASSERT_EQ(params->Count(), 1);
+  EXPECT_EQ(params->Item(1)->ID, 101);
+  const auto& sorts = qi.TemplateSortOptions();
+  ASSERT_EQ(sorts->Count(), 2);
+  EXPECT_EQ(sorts->Item("S100")->ShapeNestBindings, 31);
+  EXPECT_EQ(sorts->Item("S101")->SortOrder, 1);
+  // Rows were there, none of them essential.
+  EXPECT_TRUE(qi.AreThereAnyParameters(false));
+  EXPECT_FALSE(qi.AreThereAnyParameters(true));
+}
+
+TEST(LoadTemplateConditions, ParameterFlags) {
+  DemoPractice practice(
+      "INSERT INTO QueryTemplates (ID, QueryID, Description) VALUES (101, 3, 'groups only');"
+      "INSERT INTO QueryConditionGroups (ID, QueryTemplateID, NestedBinding) VALUES (101, 101, 30);"
+      // A parameter on a field without a search-link row never loads.
+      "UPDATE DataTableFields SET SearchLinkID = 77 WHERE ID = 104;"
+      "INSERT INTO QueryTemplates (ID, QueryID, Description) VALUES (102, 3, 'unlinked');"
+      "INSERT INTO QueryConditionGroups (ID, QueryTemplateID, NestedBinding) VALUES (102, 102, 30);"
+      "INSERT INTO QueryTemplateParameters (ID, QueryConditionID, QueryDataTableID, DataFieldID,"
+      " Essential, SearchOrder) VALUES (103, 102, 30, 104, TRUE, 1)");
+  QueryInterpretor groups_only;
+  groups_only.InitSettings("", 3, 101, false);
+  EXPECT_EQ(groups_only.CurrentConditions()->Count(), 1);
+  EXPECT_FALSE(groups_only.AreThereAnyParameters(false));
+  EXPECT_FALSE(groups_only.AreThereAnyParameters(true));
+
+  QueryInterpretor unlinked;
+  unlinked.InitSettings("", 3, 102, false);
+  EXPECT_EQ(unlinked.CurrentConditions()->Item("C102")->ChildConditions()->Count(), 0);
+  EXPECT_FALSE(unlinked.AreThereAnyParameters(false));
+
+  QueryInterpretor essential;  // template 1: its row 1 is essential
+  essential.InitSettings("", 1, 1, false);
+  EXPECT_TRUE(essential.AreThereAnyParameters(true));
+  EXPECT_TRUE(essential.AreThereAnyParameters(false));
+  EXPECT_TRUE(essential.AreNeededParametersOK());
+  EXPECT_EQ(essential.GetCurrentSpecs(), "");
+}
+
+TEST(AssignRecordSet, OpensOnlyStoredTextAndBuiltQueries) {
+  DemoPractice practice(
+      "INSERT INTO Queries (ID, Description, QueryBuildMethod, SqlStmt) VALUES"
+      " (120, 'standard', 7, 'Select ID From patients'),"
+      " (121, 'direct', 1, 'Select ID From patients Where ID > 1000')");
+  MessageRecorder messages;
+
+  QueryInterpretor standard;
+  standard.InitSettings("", 120, 0, false);
+  auto untouched = std::make_shared<Recordset>();
+  auto rs = untouched;
+  EXPECT_FALSE(standard.AssignRecordSet(rs));
+  EXPECT_EQ(rs, untouched);
+  EXPECT_EQ(rs->State(), adStateClosed);
+  EXPECT_EQ(standard.FinalSQLStmt, "");
+
+  // No rows: False, yet the recordset is open and empty.
+  QueryInterpretor direct;
+  direct.InitSettings("", 121, 0, false);
+  std::shared_ptr<Recordset> empty;
+  EXPECT_FALSE(direct.AssignRecordSet(empty));
+  ASSERT_TRUE(empty);
+  EXPECT_EQ(empty->State(), adStateOpen);
+  EXPECT_EQ(empty->RecordCount(), 0);
+  EXPECT_TRUE(messages.Texts().empty());
+}
+
+}  // namespace
+}  // namespace kelvary::testing
