@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cctype>
 #include <cstdlib>
 #include <memory>
 #include <string>
 
+#include "ShapeTree.h"
 #include "kelvary/platform/Connection.h"
-#include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
 
 namespace kelvary::testing {
@@ -49,21 +48,6 @@ class ShapeOverOdbc : public ::testing::Test {
     connection_->Execute("DROP TABLE IF EXISTS " + patients_);
   }
 
-  // The first field of every row, each chapter's rows in brackets after it.
-  static std::string Tree(Recordset& rs) {
-    std::string text;
-    if (rs.RecordCount() > 0) rs.MoveFirst();
-    while (!rs.Eof()) {
-      text += (text.empty() ? "" : ",") + TextOf(rs.Fields(0).Value());
-      for (int32_t i = 1; i < rs.FieldCount(); ++i) {
-        if (rs.Fields(i).Type() == adChapter)
-          text += "[" + Tree(*rs.Fields(i).Value().ObjectAs<Recordset>()) + "]";
-      }
-      rs.MoveNext();
-    }
-    return text;
-  }
-
   std::shared_ptr<Connection> connection_;
   std::string patients_;
   std::string visits_;
@@ -78,7 +62,7 @@ TEST_F(ShapeOverOdbc, RelatesByTheNamesAsWrittenWhateverCaseTheServerReports) {
   EXPECT_EQ(rs->Fields(0).Name(), "id");
   EXPECT_EQ(rs->Fields(2).Name(), "Visits");
   // INTEGER parents meet BIGINT children; Null and unknown parents meet nobody.
-  EXPECT_EQ(Tree(*rs), "1[10,12],2[],3[11]");
+  EXPECT_EQ(ShapeTree(*rs), "1[10,12],2[],3[11]");
   rs->MoveFirst();
   auto visits = rs->Fields("Visits").Value().ObjectAs<Recordset>();
   visits->MoveFirst();
