@@ -8,6 +8,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/internal/Criteria.h"
 #include "kelvary/platform/shape/ShapeProvider.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::internal {
 namespace {
@@ -18,14 +19,6 @@ constexpr uint32_t kFindsBeforeIndex = 2;  // a one-off Find scans; a repeated o
 
 inline char Lower(char c) {
   return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
 }
 
 bool IsNothing(const Variant& v) {
