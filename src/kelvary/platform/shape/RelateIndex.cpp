@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "kelvary/platform/Date.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/Variant.h"
 
 namespace kelvary::shape {
@@ -117,9 +118,7 @@ bool AppendKey(const Variant& v, Domain domain, std::string& key) {
   std::memcpy(bytes, &length, sizeof bytes);
   key += 't';
   key.append(bytes, sizeof bytes);
-  for (char c : text) {
-    key += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-  }
+  key += LowerCase(text);
   return true;
 }
 

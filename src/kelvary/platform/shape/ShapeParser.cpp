@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::shape {
 namespace {
@@ -11,20 +12,9 @@ namespace {
 constexpr std::array<std::string_view, 8> kKeywords = {"SHAPE", "APPEND",  "AS", "RELATE",
                                                        "TO",    "COMPUTE", "BY", "NEW"};
 
-bool SameWord(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(a[i])) !=
-        std::toupper(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
-
 bool IsKeyword(std::string_view word) {
   for (std::string_view k : kKeywords) {
-    if (SameWord(word, k)) return true;
+    if (EqualsNoCase(word, k)) return true;
   }
   return false;
 }
@@ -56,7 +46,7 @@ class Parser {
     ShapeLevel level = ShapeBody();
     SkipBlanks();
     if (pos_ < text_.size()) {
-      if (SameWord(PeekWord(), "COMPUTE")) Unsupported("COMPUTE");
+      if (EqualsNoCase(PeekWord(), "COMPUTE")) Unsupported("COMPUTE");
       Fail(pos_, "APPEND or the end of the command");
     }
     return level;
@@ -91,7 +81,7 @@ class Parser {
       Expect(')');
       return level;
     }
-    if (SameWord(PeekWord(), "NEW")) Unsupported("NEW");
+    if (EqualsNoCase(PeekWord(), "NEW")) Unsupported("NEW");
     Fail(pos_, "{ or (");
   }
 
@@ -232,7 +222,7 @@ class Parser {
   bool AcceptKeyword(std::string_view keyword) {
     SkipBlanks();
     const std::string_view word = PeekWord();
-    if (!SameWord(word, keyword)) return false;
+    if (!EqualsNoCase(word, keyword)) return false;
     pos_ += word.size();
     return true;
   }

@@ -8,6 +8,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/drivers/Driver.h"
 #include "kelvary/platform/internal/CursorEngine.h"
 #include "kelvary/platform/shape/RelateIndex.h"
@@ -38,15 +39,14 @@ std::string LevelName(const ShapeLevel& level) {
 // finds the bare column, as drivers report columns without their table.
 size_t ColumnOf(const RowSet& rows, const std::string& name, const ShapeLevel& level,
                 const char* side) {
-  internal::CaseInsensitiveEqual equal;
   for (size_t i = 0; i < rows.columns.size(); ++i) {
-    if (equal(rows.columns[i].name, name)) return i;
+    if (EqualsNoCase(rows.columns[i].name, name)) return i;
   }
   const size_t dot = name.rfind('.');
   if (dot != std::string::npos) {
     const std::string_view bare = std::string_view(name).substr(dot + 1);
     for (size_t i = 0; i < rows.columns.size(); ++i) {
-      if (equal(rows.columns[i].name, bare)) return i;
+      if (EqualsNoCase(rows.columns[i].name, bare)) return i;
     }
   }
   throw Error(kErrProviderFailure,
