@@ -9,6 +9,7 @@
 
 #include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/service/InfoLink.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
@@ -20,12 +21,6 @@ constexpr int16_t kWidestNameGap = 10;
 
 bool Contains(const std::string& text, const char* part) {
   return text.find(part) != std::string::npos;
-}
-
-std::string Upper(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return text;
 }
 
 }  // namespace
@@ -55,7 +50,7 @@ std::string InfoLink::GetDescriptionFromCode(
   const std::string value = std::to_string(CurrValue);
   std::string sql;
   if (!TableName.empty()) {
-    if (Upper(descriptionField) == "%X") {
+    if (UpperCase(descriptionField) == "%X") {
       // "%X" is no column: the value is a person whose name is composed.
       const int16_t width = NumCharSpace && *NumCharSpace > 0 ? *NumCharSpace : int16_t{0};
       return TextOf(GetCoreName(CurrValue, TableName, width));

@@ -21,16 +21,13 @@
 #include <vector>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/Variant.h"
 
 namespace kelvary {
 
 namespace internal {
-inline std::string FoldKey(std::string_view key) {
-  std::string folded(key);
-  for (char& c : folded) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return folded;
-}
+inline std::string FoldKey(std::string_view key) { return LowerCase(key); }
 [[noreturn]] inline void ThrowAbsentMember() {
   throw Error(kErrInvalidProcedureCall, "Invalid procedure call or argument");
 }

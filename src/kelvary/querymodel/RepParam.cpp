@@ -4,6 +4,7 @@
 
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Messages.h"
+#include "kelvary/service/FieldDataTypeGroups.h"
 
 // The phrases below are shown right after a parameter's title without
 // trimming: every leading, trailing and doubled blank is deliberate, and so
@@ -86,47 +87,33 @@ std::string Not(bool reverse) {
 }  // namespace
 
 std::string RepParam::GetSimpleText() {
-  const int32_t format = DataFormat;
-  if ((format >= 1 && format <= 17) || format == 22 || format == 23) return ValuePhrase();
-  switch (format) {
-    case 18:
-    case 19:
-    case 20:
+  switch (GroupOfFieldDataType(DataFormat)) {
+    case FieldDataTypeGroup::kNumeric:
+    case FieldDataTypeGroup::kText:
+      return ValuePhrase();
+    case FieldDataTypeGroup::kDate:
       // Describing a date condition settles an open date on today; callers
       // read the stored date back afterwards.
       if (Value1.IsNull()) Value1 = Today();
       if (Value2.IsNull()) Value2 = Today();
       return DateRangePhrase(SUBOperator, Value1, Value2, CStr(Variant(Reverse)));
-    case 21:
+    case FieldDataTypeGroup::kCodedValue:
       if (Value1.IsEmpty()) return "";
       return " Is " + Not(Reverse) + Value1Description;
-    case 25:
+    case FieldDataTypeGroup::kBoolean:
       if (Value1.IsEmpty()) return "";
       return " Is " + Not(Reverse) + (ConvertsToTrue(Value1) ? "Yes" : "No");
-    case 33:
+    case FieldDataTypeGroup::kGender:
       if (Value1.IsEmpty()) return "";
       return " is " + Not(Reverse) + (TextOf(Value1) == "M" ? "Male" : "Female");
-    case 0:
-    case 24:
-    case 26:
-    case 27:
-    case 28:
-    case 29:
-    case 30:
-    case 31:
-    case 32:
-    case 34:
-    case 35:
-    case 39:
-    case 40:
-    case 41:
-    case 42:
+    case FieldDataTypeGroup::kUnhandled:
       MsgBox("Unhandled");
       return "";
-    default:
-      MsgBox("unhandled");
-      return "";
+    case FieldDataTypeGroup::kUnhandledLC:
+      break;
   }
+  MsgBox("unhandled");
+  return "";
 }
 
 std::string RepParam::OperatorPhrase() const {

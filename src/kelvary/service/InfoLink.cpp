@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "kelvary/platform/Messages.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
@@ -83,9 +84,7 @@ InfoLink::~InfoLink() {
 }
 
 void InfoLink::CoreDataTable(const std::string& value) {
-  core_data_table_ = value;
-  std::transform(core_data_table_.begin(), core_data_table_.end(), core_data_table_.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  core_data_table_ = UpperCase(value);
 }
 
 void InfoLink::Advise(std::shared_ptr<InfoLinkEvents> sink) {

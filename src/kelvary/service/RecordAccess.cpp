@@ -5,6 +5,7 @@
 
 #include "kelvary/platform/Messages.h"
 #include "kelvary/service/InfoLink.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
@@ -28,13 +29,6 @@ std::string DescriptionOf(const std::exception& e) {
 std::string LeftTrimBlanks(const std::string& text) {
   const size_t first = text.find_first_not_of(' ');
   return first == std::string::npos ? std::string() : text.substr(first);
-}
-
-std::string UpperPrefix(const std::string& text, size_t length) {
-  std::string prefix = text.substr(0, length);
-  for (char& c : prefix)
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return prefix;
 }
 
 bool IsNumericFieldType(DataTypeEnum type) {
@@ -113,7 +107,7 @@ bool InfoLink::ExecuteSQL(ProjectDataSources SourceofData, const std::string& SQ
     }
     if (LogFileEntrySetting > 0) {
       const std::string text = LeftTrimBlanks(SQLStmt);
-      const std::string verb = UpperPrefix(text, 6);
+      const std::string verb = UpperCase(text.substr(0, 6));
       int32_t code = 0;
       if (verb == "INSERT") code = lfetInsertStmts;
       if (verb == "UPDATE") code = lfetUpdateSQL;

@@ -2,12 +2,14 @@
 
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Messages.h"
+#include "kelvary/service/FieldDataTypeGroups.h"
 #include "kelvary/service/InfoLink.h"
 
 namespace kelvary::DataLinx {
 
 namespace {
 
+// The clause builders see the numeric and coded types alike.
 enum class ClauseGroup {
   kNumeric,
   kText,
@@ -19,56 +21,24 @@ enum class ClauseGroup {
 };
 
 ClauseGroup GroupOf(FieldDataTypes type) {
-  switch (static_cast<int32_t>(type)) {
-    case 1:
-    case 2:
-    case 5:
-    case 6:
-    case 7:
-    case 8:
-    case 9:
-    case 12:
-    case 13:
-    case 14:
-    case 15:
-    case 16:
-    case 17:
-    case 21:
+  switch (GroupOfFieldDataType(type)) {
+    case FieldDataTypeGroup::kNumeric:
+    case FieldDataTypeGroup::kCodedValue:
       return ClauseGroup::kNumeric;
-    case 3:
-    case 4:
-    case 10:
-    case 11:
-    case 22:
-    case 23:
+    case FieldDataTypeGroup::kText:
       return ClauseGroup::kText;
-    case 18:
-    case 19:
-    case 20:
+    case FieldDataTypeGroup::kDate:
       return ClauseGroup::kDate;
-    case 25:
+    case FieldDataTypeGroup::kBoolean:
       return ClauseGroup::kBoolean;
-    case 33:
+    case FieldDataTypeGroup::kGender:
       return ClauseGroup::kQuotedEquality;
-    case 0:
-    case 24:
-    case 26:
-    case 27:
-    case 28:
-    case 29:
-    case 30:
-    case 31:
-    case 32:
-    case 34:
-    case 35:
-    case 39:
-    case 40:
-    case 41:
-    case 42:
+    case FieldDataTypeGroup::kUnhandled:
       return ClauseGroup::kRefused;
-    default:
-      return ClauseGroup::kRefusedOthers;
+    case FieldDataTypeGroup::kUnhandledLC:
+      break;
   }
+  return ClauseGroup::kRefusedOthers;
 }
 
 InfoLink& RequireActiveInfoLink() {

@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::internal {
 namespace {
@@ -15,23 +16,16 @@ std::string_view Trim(std::string_view s) {
   return s;
 }
 
-std::string Lowered(std::string_view s) {
-  std::string out(s);
-  for (char& c : out)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return out;
-}
-
 bool EndsWithNoCase(std::string_view s, std::string_view suffix) {
-  return s.size() >= suffix.size() && Lowered(s.substr(s.size() - suffix.size())) == suffix;
+  return s.size() >= suffix.size() && LowerCase(s.substr(s.size() - suffix.size())) == suffix;
 }
 
 }  // namespace
 
 std::optional<std::string> ConnectionStringItems::Get(std::string_view key) const {
-  const std::string wanted = Lowered(key);
+  const std::string wanted = LowerCase(key);
   for (const auto& [k, v] : items) {
-    if (Lowered(k) == wanted) return v;
+    if (LowerCase(k) == wanted) return v;
   }
   return std::nullopt;
 }
@@ -85,12 +79,12 @@ bool IsSqliteFileName(std::string_view name) {
 DriverChoice ChooseDriver(std::string_view connection_string) {
   const ConnectionStringItems items = ParseConnectionString(connection_string);
   DriverChoice choice;
-  const std::string provider = Lowered(items.Get("Provider").value_or(""));
+  const std::string provider = LowerCase(items.Get("Provider").value_or(""));
   const std::string data_source = items.Get("Data Source").value_or("");
   choice.data_source = data_source;
 
   if (const auto mode = items.Get("Mode")) {
-    const std::string m = Lowered(*mode);
+    const std::string m = LowerCase(*mode);
     if (m == "readonly" || m == "read") {
       choice.mode = DriverChoice::kReadOnly;
     } else if (m == "readwrite" || m == "share deny none" || m.empty()) {
@@ -135,7 +129,7 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
       // The ODBC keys as they stand; the provider keys are ours.
       choice.kind = DriverChoice::kOdbc;
       for (const auto& [key, value] : items.items) {
-        const std::string k = Lowered(key);
+        const std::string k = LowerCase(key);
         if (k == "provider" || k == "data provider") continue;
         choice.odbc_string += key + "=" + value + ";";
       }

@@ -6,23 +6,13 @@
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/internal/LikePattern.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::internal {
 namespace {
 
 bool IsNothing(const Variant& v) {
   return v.IsNull() || v.IsEmpty();
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
 }
 
 bool IsWordChar(char c) {

@@ -8,6 +8,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/internal/Criteria.h"
 #include "kelvary/platform/shape/ShapeProvider.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::internal {
 namespace {
@@ -18,14 +19,6 @@ constexpr uint32_t kFindsBeforeIndex = 2;  // a one-off Find scans; a repeated o
 
 inline char Lower(char c) {
   return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
 }
 
 bool IsNothing(const Variant& v) {
@@ -203,6 +196,35 @@ void CursorEngine::Load(RowSet rows, LoadOptions options) {
   width_ = columns_.size();
   cells_ = std::move(rows.cells);
   if (width_ == 0) cells_.clear();
+  Opened(std::move(options));
+}
+
+void CursorEngine::LoadShared(std::shared_ptr<const RowSet> store, std::vector<uint32_t> rows,
+                              LoadOptions options) {
+  RequireClosed();
+  columns_ = store->columns;
+  width_ = columns_.size();
+  cells_.clear();
+  if (width_ > 0) {
+    store_ = std::move(store);
+    store_rows_ = std::move(rows);
+  }
+  Opened(std::move(options));
+}
+
+void CursorEngine::OwnRows() {
+  if (!store_) return;
+  cells_.reserve(store_rows_.size() * width_);
+  for (size_t row = 0; row < store_rows_.size(); ++row) {
+    const Variant* cells = StoredRow(row);
+    cells_.insert(cells_.end(), cells, cells + width_);
+  }
+  store_.reset();
+  store_rows_.clear();
+  store_rows_.shrink_to_fit();
+}
+
+void CursorEngine::Opened(LoadOptions options) {
   const size_t count = StoredRowCount();
   deleted_.assign(count, 0);
   order_.resize(count);
@@ -241,6 +263,9 @@ void CursorEngine::Close() {
   names_.clear();
   cells_.clear();
   cells_.shrink_to_fit();
+  store_.reset();
+  store_rows_.clear();
+  store_rows_.shrink_to_fit();
   deleted_.clear();
   order_.clear();
   filter_.clear();
@@ -527,7 +552,7 @@ ptrdiff_t CursorEngine::FindByIndex(const Criteria& criteria, ptrdiff_t from, in
     index.built = true;
     index.usable = true;
     for (size_t p = 0; p < order_.size(); ++p) {
-      const Variant& v = cells_[order_[p] * width_ + static_cast<size_t>(index.column)];
+      const Variant& v = StoredRow(order_[p])[index.column];
       if (IsNothing(v)) continue;
       if (!v.IsNumber() && v.Type() != vbBoolean && v.Type() != vbDate) {
         index.usable = false;  // texts compare with numbers by their reading: scan
@@ -629,7 +654,7 @@ Variant CursorEngine::OriginalValue(int32_t ordinal) const {
   RequireOpen();
   const uint32_t row = CurrentRow();
   if (edit_mode_ != adEditNone && row == edit_row_) return originals_[static_cast<size_t>(ordinal)];
-  return cells_[row * width_ + static_cast<size_t>(ordinal)];
+  return StoredRow(row)[ordinal];
 }
 
 int32_t CursorEngine::Status(int32_t ordinal) const {
@@ -667,6 +692,7 @@ void CursorEngine::SetValue(int32_t ordinal, const Variant& value) {
                     column.name + "\": " + e.Description() + ")",
                 kSource);
   }
+  OwnRows();
   if (edit_mode_ == adEditNone) BeginEdit(row);
   cells_[row * width_ + static_cast<size_t>(ordinal)] = std::move(converted);
   changed_[static_cast<size_t>(ordinal)] = true;
@@ -704,6 +730,7 @@ void CursorEngine::AddNew() {
   RequireOpen();
   RequireWritable();
   CommitPending();
+  OwnRows();
   const uint32_t row = static_cast<uint32_t>(StoredRowCount());
   pos_before_add_ =
       on_deleted_ ? std::min<ptrdiff_t>(pos_, static_cast<ptrdiff_t>(order_.size())) : pos_;

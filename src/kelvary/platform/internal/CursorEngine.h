@@ -22,6 +22,11 @@
 //   3. target.Load(std::move(parent_rows), options).
 // Navigation, Find, Filter and RecordCount then work on parent and children
 // alike; a chapter field's Value is the child Recordset (Variant::ObjectAs).
+// The chapters of one child level can instead share that level's rows:
+// LoadShared hands each chapter the one store and the numbers of its own
+// rows in it, so that no row is moved or copied (a million child rows are
+// then related in the time of the grouping alone). A chapter that is
+// changed copies its rows into its own storage first.
 // Rows loaded this way are read-only unless LoadOptions::write_mode says
 // otherwise: kMemory (edits change the rows in memory only), or kBaseTable
 // with the connection, for rows whose ColumnInfo still names their base
@@ -92,6 +97,12 @@ class CursorEngine {
   // Load holds rows that came from elsewhere and opens the recordset on the
   // first of them. REQUIRES: closed.
   void Load(RowSet rows, LoadOptions options);
+  // LoadShared holds rows of store, a result that other recordsets hold too:
+  // rows are the numbers of this recordset's rows in it, in ascending order.
+  // The store is never changed; the first change of a row copies this
+  // recordset's rows into storage of its own. REQUIRES: closed.
+  void LoadShared(std::shared_ptr<const RowSet> store, std::vector<uint32_t> rows,
+                  LoadOptions options);
   void Close();
   bool IsOpen() const { return open_; }
 
@@ -130,7 +141,7 @@ class CursorEngine {
   const Variant& Value(int32_t ordinal) const {
     if (!open_) ThrowClosed();
     if (!HasCurrent()) ThrowNoCurrentRecord();
-    return cells_[order_[static_cast<size_t>(pos_)] * width_ + static_cast<size_t>(ordinal)];
+    return StoredRow(order_[static_cast<size_t>(pos_)])[ordinal];
   }
   void SetValue(int32_t ordinal, const Variant& value);
   Variant OriginalValue(int32_t ordinal) const;
@@ -145,8 +156,14 @@ class CursorEngine {
 
   // Rows in storage order, for the shaping layer and tests: the number of
   // rows held (deleted ones included) and a row's cells.
-  size_t StoredRowCount() const { return width_ == 0 ? 0 : cells_.size() / width_; }
-  const Variant* StoredRow(size_t row_id) const { return cells_.data() + row_id * width_; }
+  size_t StoredRowCount() const {
+    if (store_) return store_rows_.size();
+    return width_ == 0 ? 0 : cells_.size() / width_;
+  }
+  const Variant* StoredRow(size_t row_id) const {
+    if (store_) return store_->cells.data() + size_t{store_rows_[row_id]} * width_;
+    return cells_.data() + row_id * width_;
+  }
 
  private:
   struct BaseTable;
@@ -170,6 +187,11 @@ class CursorEngine {
   void EndEdit();
   void RebuildOrder(const Criteria* criteria);
   void ChangedRows();  // drops the caches that depend on cell values or order
+  // OwnRows: before a row changes, rows held in a shared store are copied
+  // into cells_ (row ids, and so bookmarks, stay as they are).
+  void OwnRows();
+  // Opened: the rest of Load once the rows are in place.
+  void Opened(LoadOptions options);
   int32_t ResolveColumn(std::string_view name) const;
   ptrdiff_t PositionOfRow(uint32_t row) const;
   ptrdiff_t FindByIndex(const Criteria& criteria, ptrdiff_t from, int step);
@@ -201,6 +223,10 @@ class CursorEngine {
   std::unordered_map<std::string, int32_t, CaseInsensitiveHash, CaseInsensitiveEqual> names_;
   size_t width_ = 0;
   std::vector<Variant> cells_;
+  // Rows held in a shared store (LoadShared) until one changes: row id i is
+  // row store_rows_[i] of store_, and cells_ is empty.
+  std::shared_ptr<const RowSet> store_;
+  std::vector<uint32_t> store_rows_;
   std::vector<uint8_t> deleted_;  // per row id
   // The visible rows. Always in ascending row id (a Filter keeps storage
   // order, AddNew appends the highest id), so a row's position is found by

@@ -6,8 +6,13 @@
 // for how such a result is built). Everything else goes to the driver
 // unchanged.
 //
-// The shaping layer owns ShapeProvider.cpp. Called on the thread that uses
-// the connection.
+// OpenShape reads the statement (ShapeParser.h), runs each level's command
+// once on the driver, groups every child level's rows under their parents
+// by the RELATE columns (RelateIndex.h) and appends one chapter field per
+// child to the parent rows: a Recordset of the related rows, sharing the
+// level's rows with the other chapters of that level.
+//
+// Called on the thread that uses the connection.
 #pragma once
 
 #include <cctype>

@@ -12,6 +12,7 @@
 #include "kelvary/platform/drivers/odbc/internal/OdbcConnection.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcParameters.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcResult.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
@@ -20,26 +21,8 @@ using odbc::Check;
 
 enum class Dbms { kOther, kPostgreSQL, kSqlServer, kMySql, kSqlite };
 
-std::string Lower(std::string_view text) {
-  std::string out(text);
-  for (char& c : out)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return out;
-}
-
-std::string Upper(std::string_view text) {
-  std::string out(text);
-  for (char& c : out)
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return out;
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  return Lower(a) == Lower(b);
-}
-
 Dbms DbmsOf(const std::string& name) {
-  const std::string lower = Lower(name);
+  const std::string lower = LowerCase(name);
   if (lower.find("postgres") != std::string::npos) return Dbms::kPostgreSQL;
   if (lower.find("sql server") != std::string::npos) return Dbms::kSqlServer;
   if (lower.find("mysql") != std::string::npos || lower.find("mariadb") != std::string::npos) {
@@ -69,7 +52,7 @@ std::string FirstKeyword(std::string_view sql) {
   size_t end = i;
   while (end < sql.size() && std::isalpha(static_cast<unsigned char>(sql[end])))
     ++end;
-  return Upper(sql.substr(i, end - i));
+  return UpperCase(sql.substr(i, end - i));
 }
 
 bool ChangesSchema(std::string_view sql) {
@@ -292,14 +275,14 @@ std::vector<std::string> OdbcConnection::KeyColumns(const std::string& table) {
 
 const std::vector<std::string>& OdbcConnection::KeysOf(const std::string& schema,
                                                        const std::string& table, bool quoted) {
-  const std::string cache_key = Lower(schema) + "." + Lower(table);
+  const std::string cache_key = LowerCase(schema) + "." + LowerCase(table);
   if (const auto found = keys_.find(cache_key); found != keys_.end()) return found->second;
 
   std::vector<std::string> keys = CatalogKeys(schema, table);
   // Servers fold unquoted names (PostgreSQL to lower case, Oracle to upper):
   // a name written in another case is looked for as the server stores it.
   if (keys.empty() && !quoted) {
-    for (const auto& fold : {Lower, Upper}) {
+    for (const auto& fold : {LowerCase, UpperCase}) {
       const std::string folded_schema = fold(schema);
       const std::string folded_table = fold(table);
       if (folded_schema == schema && folded_table == table) continue;
@@ -395,7 +378,7 @@ Variant OdbcConnection::LastInsertedKey(const std::string& table, const std::str
   // folds the table name as SQL does but takes the column name literally.
   const TableName column = ParseTableName(key_column);
   const std::vector<Variant> params = {Variant(table),
-                                       Variant(column.quoted ? column.table : Lower(column.table))};
+                                       Variant(column.quoted ? column.table : LowerCase(column.table))};
   const std::string sql = "SELECT currval(pg_get_serial_sequence(?, ?))";
   // currval fails when this session never drew from the sequence; inside a
   // transaction that failure would abort the caller's work, so it is fenced.

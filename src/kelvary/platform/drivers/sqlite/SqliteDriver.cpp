@@ -12,23 +12,13 @@
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
 #include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::sqlite {
 namespace {
 
 constexpr const char* kSource = "SQLite";
 constexpr size_t kCachedStatements = 128;
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
 
 // RestIsEmpty: only blanks and comments follow the first statement.
 bool RestIsEmpty(const char* tail) {

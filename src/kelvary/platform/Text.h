@@ -1,0 +1,45 @@
+// Text helpers shared by the whole library: letter case in the way the
+// system compares names (ASCII letters only, so that table, column and key
+// names compare the same on every machine whatever its locale). Pure
+// functions; thread-safe.
+#pragma once
+
+#include <cctype>
+#include <string>
+#include <string_view>
+
+namespace kelvary {
+
+// EqualsNoCase: a and b are the same text but for the case of ASCII letters.
+inline bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (std::tolower(static_cast<unsigned char>(a[i])) !=
+        std::tolower(static_cast<unsigned char>(b[i]))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// StartsWithNoCase: text begins with prefix but for the case of ASCII letters.
+inline bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && EqualsNoCase(text.substr(0, prefix.size()), prefix);
+}
+
+inline std::string LowerCase(std::string_view text) {
+  std::string out(text);
+  for (char& c : out)
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return out;
+}
+
+// UpperCase: the runtime's UCase for the letters the system's names use.
+inline std::string UpperCase(std::string_view text) {
+  std::string out(text);
+  for (char& c : out)
+    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return out;
+}
+
+}  // namespace kelvary
