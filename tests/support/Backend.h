@@ -15,9 +15,11 @@
 // registers a pool of them, <DSN>_1 .. <DSN>_<KELVARY_TEST_ODBC_POOL>, the
 // n-th naming the database <control database>_n. A test takes free slots
 // (a session advisory lock held on one control connection per process, so a
-// crashed process frees its slots), drops and re-creates each slot's database
-// empty, and runs its SQL there; the slot is given back when the database
-// object goes. Processes running in parallel never share a slot.
+// crashed process frees its slots), empties each slot's database (creating
+// it on first use; emptying drops and creates again its public schema, where
+// everything a test makes lives) and runs its SQL there; the slot is given
+// back when the database object goes. Processes running in parallel never
+// share a slot.
 //
 // BackendDatabase and the backends are used by one thread.
 #pragma once
