@@ -6,14 +6,19 @@
 #
 # start creates a temporary folder, runs initdb there, starts postgres on
 # 127.0.0.1 on a free port (its unix socket in the same folder), creates the
-# database kelvary_test owned by the user kelvary (password kelvary) and
-# registers the ODBC data source kelvary_pg in a private odbc.ini and
-# odbcinst.ini, with the PostgreSQL ODBC driver's logging switched off (the
-# distribution's driver entry switches it on, and it is slow). It prints, as
-# export lines, the variables that point unixODBC and the tests at it:
+# database kelvary_test owned by the user kelvary (password kelvary, allowed
+# to create databases) and registers the ODBC data source kelvary_pg in a
+# private odbc.ini and odbcinst.ini, with the PostgreSQL ODBC driver's
+# logging switched off (the distribution's driver entry switches it on, and
+# it is slow). It also registers the pool of data sources the shared test
+# suites take one database each from: kelvary_pg_1 .. kelvary_pg_<pool>, the
+# n-th naming the database kelvary_test_n (the tests create and drop those
+# databases themselves; see tests/support/Backend.h). It prints, as export
+# lines, the variables that point unixODBC and the tests at it:
 #   KELVARY_PG_DIR             the folder (stop takes it from here)
 #   ODBCSYSINI, ODBCINI        the private ODBC configuration
 #   KELVARY_TEST_ODBC_DSN      the data source name (kelvary_pg)
+#   KELVARY_TEST_ODBC_POOL     how many pool data sources there are
 #   KELVARY_TEST_ODBC_CONNECT  the same database as a Driver={...} string
 #   KELVARY_TEST_ODBC_USER, KELVARY_TEST_ODBC_PASSWORD
 #   KELVARY_TEST_PG_CONNINFO   a libpq connection string (for benchmarks)
@@ -29,6 +34,7 @@ db_name=kelvary_test
 db_user=kelvary
 db_password=kelvary
 dsn_name=kelvary_pg
+pool_size=${KELVARY_TEST_ODBC_POOL:-24}
 driver_name="Kelvary PostgreSQL Unicode"
 
 die() {
@@ -92,7 +98,8 @@ unix_socket_directories = '$dir'
 fsync = off
 synchronous_commit = off
 full_page_writes = off
-max_connections = 30
+max_connections = 120
+autovacuum = off
 EOF
 
   tries=0
@@ -111,7 +118,7 @@ EOF
   done
 
   as_server_user "$bin/psql" -h "$dir" -p "$port" -U postgres -d postgres -v ON_ERROR_STOP=1 -q \
-    -c "CREATE ROLE $db_user LOGIN PASSWORD '$db_password'" \
+    -c "CREATE ROLE $db_user LOGIN CREATEDB PASSWORD '$db_password'" \
     -c "CREATE DATABASE $db_name OWNER $db_user ENCODING 'UTF8'" >/dev/null
 
   cat >"$dir/odbcinst.ini" <<EOF
@@ -138,6 +145,23 @@ BoolsAsChar = 0
 Debug = 0
 CommLog = 0
 EOF
+  local n
+  for n in $(seq 1 "$pool_size"); do
+    cat >>"$dir/odbc.ini" <<EOF
+
+[${dsn_name}_$n]
+Description = Kelvary test database, pool slot $n
+Driver = $driver_name
+Servername = 127.0.0.1
+Port = $port
+Database = ${db_name}_$n
+Username = $db_user
+Password = $db_password
+BoolsAsChar = 0
+Debug = 0
+CommLog = 0
+EOF
+  done
   chmod 644 "$dir/odbcinst.ini" "$dir/odbc.ini"
 
   cat <<EOF
@@ -145,6 +169,7 @@ export KELVARY_PG_DIR='$dir'
 export ODBCSYSINI='$dir'
 export ODBCINI='$dir/odbc.ini'
 export KELVARY_TEST_ODBC_DSN='$dsn_name'
+export KELVARY_TEST_ODBC_POOL='$pool_size'
 export KELVARY_TEST_ODBC_CONNECT='Driver={$driver_name};Servername=127.0.0.1;Port=$port;Database=$db_name;BoolsAsChar=0'
 export KELVARY_TEST_ODBC_USER='$db_user'
 export KELVARY_TEST_ODBC_PASSWORD='$db_password'

@@ -123,6 +123,14 @@ TEST_F(Command, QueryPrintsTheStatementAndAnAlignedTable) {
   const CliRun limited = Query({"--query", "1", "--template", "1", "--max-rows", "0"});
   ASSERT_EQ(limited.exit_code, 0) << limited.err;
   EXPECT_THAT(limited.out, HasSubstr("(first 0 of 1 rows)"));
+
+  // In the Oracle dialect the template's dates are TO_Date calls, and the
+  // same row comes back.
+  const CliRun oracle = Query({"--query", "1", "--template", "1", "--dialect", "oracle"});
+  ASSERT_EQ(oracle.exit_code, 0) << oracle.err;
+  EXPECT_THAT(oracle.out, HasSubstr("patients.DOB Between TO_Date('01-Jan-1950','DD-Mon-YYYY')  "
+                                    "And TO_Date('01-Jan-1980','DD-Mon-YYYY')"));
+  EXPECT_THAT(oracle.out, HasSubstr("(1 row)"));
 }
 
 TEST_F(Command, MultiLevelResultsPrintAsATree) {
@@ -159,6 +167,8 @@ TEST_F(Command, ProblemsAreOneLineAndANonZeroExit) {
        "kelvary: query 1 has no level 7\n"},
       {{"query", "--system", system_, "--main", main_, "--query", "x"},
        "kelvary: --query is not a number: x\n"},
+      {{"query", "--system", system_, "--main", main_, "--query", "1", "--dialect", "dbase"},
+       "kelvary: --dialect is access, oracle or sqlserver, not dbase\n"},
       {{"demo", dir_.File("d2"), "--data", dir_.File("nowhere")},
        "kelvary: data folder not found: " + dir_.File("nowhere") + "\n"},
   };

@@ -11,8 +11,9 @@ using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
 
 using ListFillingTest = LookupsTest;
+KELVARY_ON_EVERY_BACKEND(ListFillingTest);
 
-TEST_F(ListFillingTest, OptionsOfALinkGoInTheFormTheControlTakes) {
+TEST_P(ListFillingTest, OptionsOfALinkGoInTheFormTheControlTakes) {
   RecordingListControl standard(true);
   standard.Tag("ready");
   link_.FillComboWithOptions(standard, 31);
@@ -38,7 +39,7 @@ TEST_F(ListFillingTest, OptionsOfALinkGoInTheFormTheControlTakes) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(ListFillingTest, AnUnresolvableLinkIsReportedAndLeavesTheTagAtP) {
+TEST_P(ListFillingTest, AnUnresolvableLinkIsReportedAndLeavesTheTagAtP) {
   AddSearchLink(60, 0, "Description", "NULL", "NULL");  // neither table nor statement
   AddSearchLink(61, 0, "Description", "'Select Description, ID from Wards'", "NULL");
   Reload();
@@ -63,7 +64,7 @@ TEST_F(ListFillingTest, AnUnresolvableLinkIsReportedAndLeavesTheTagAtP) {
   EXPECT_THAT(Messages()[0], HasSubstr(":  with sql Select Description, ID from Wards"));
 }
 
-TEST_F(ListFillingTest, StatementsCanBeAppendedToOneListAndTheFirstSelected) {
+TEST_P(ListFillingTest, StatementsCanBeAppendedToOneListAndTheFirstSelected) {
   RecordingListControl list(true);
   list.Tag("t");
   link_.FillComboWithSQL(list, pdsmaindata, "Select Description, ID from Allergies order by ID",
@@ -82,7 +83,7 @@ TEST_F(ListFillingTest, StatementsCanBeAppendedToOneListAndTheFirstSelected) {
   EXPECT_EQ(list.SelectedIndex(), -1);
 }
 
-TEST_F(ListFillingTest, RecordsFromTheCallerAlwaysLeaveTheTagEmpty) {
+TEST_P(ListFillingTest, RecordsFromTheCallerAlwaysLeaveTheTagEmpty) {
   std::shared_ptr<Recordset> rs;
   link_.FillRecordSet(pdsmaindata, rs, "Select * from Drugs order by ID", adOpenStatic,
                       adLockReadOnly);
@@ -95,7 +96,7 @@ TEST_F(ListFillingTest, RecordsFromTheCallerAlwaysLeaveTheTagEmpty) {
   EXPECT_TRUE(rs->Eof());  // still open, at its end
 }
 
-TEST_F(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
+TEST_P(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
   RecordingListControl list(true);
   link_.RefreshHierarchicalList(pdsmaindata, list, "Description", "ID", "Cities", "x");
   EXPECT_EQ(Selects()[Selects().size() - 2],
@@ -117,7 +118,7 @@ TEST_F(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(ListFillingTest, DataFormatsOfAUsageIncludeThoseForEveryUsage) {
+TEST_P(ListFillingTest, DataFormatsOfAUsageIncludeThoseForEveryUsage) {
   Config(
       "INSERT INTO DataFormats VALUES (1, 'Text'), (2, 'Number'), (3, 'Date'), (4, 'Unused');"
       "INSERT INTO DataFormatUsages VALUES (1, 1, 0), (2, 2, 5), (3, 3, 6), (4, 2, 5), (5, 0, 0)");

@@ -2,7 +2,11 @@
 
 namespace kelvary::testing {
 
-LookupsTest::LookupsTest() {
+void LookupsTest::SetUp() {
+  BackendTest::SetUp();
+  if (IsSkipped()) return;
+  system_ = NewDatabase("system.db");
+  main_ = NewDatabase("main.db");
   system_.RunFile("system_schema.sql");
   main_.RunFile("main_schema.sql");
   // DataTables row 0 carries the search links that bring their own
@@ -32,6 +36,7 @@ LookupsTest::LookupsTest() {
       "INSERT INTO PatientAllergies VALUES (1, 1, 12), (2, 1, 13), (3, 2, 12), (4, 1, 14);"
       "INSERT INTO PatientDrugs VALUES (1, 1, 12);");
 
+  link_.MainDBType = Traits().main_db_type;
   link_.LogFileEntrySetting = lfetSelectSQL;
   link_.SetSQLHistoryObserver(
       [this](LogFileEntryTypes, const std::string& sql) { selects_.push_back(sql); });

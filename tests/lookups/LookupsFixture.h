@@ -1,11 +1,11 @@
-// LookupsTest: a configuration database and a practice database, both real
-// SQLite files built from data/ plus a small practice: cities (three levels
-// deep), patients, allergies and drugs, the search links over them and two
-// multi-selects of patients (3: allergies, 7: drugs). The InfoLink is
-// connected through ConnectDefault, so the caches are loaded and it is the
-// ActiveInfoLink. A test adds its own rows, then calls Reload when it
-// changed the configuration. Every statement FillRecordSet opens is
-// recorded in Selects().
+// LookupsTest: a configuration database and a practice database of the
+// backend under test, built from data/ plus a small practice: cities (three
+// levels deep), patients, allergies and drugs, the search links over them and
+// two multi-selects of patients (3: allergies, 7: drugs). The InfoLink, set
+// to the backend's dialect, is connected through ConnectDefault, so the
+// caches are loaded and it is the ActiveInfoLink. A test adds its own rows,
+// then calls Reload when it changed the configuration. Every statement
+// FillRecordSet opens is recorded in Selects().
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,15 +14,15 @@
 #include <vector>
 
 #include "kelvary/service/InfoLink.h"
+#include "support/Backend.h"
 #include "support/MessageRecorder.h"
 #include "support/RecordingListControl.h"
-#include "support/TestDatabase.h"
 
 namespace kelvary::testing {
 
-class LookupsTest : public ::testing::Test {
+class LookupsTest : public BackendTest {
  protected:
-  LookupsTest();
+  void SetUp() override;
 
   // Reload: InitLists(True, True) after a change of the configuration.
   void Reload() { link_.InitLists(true, true); }
@@ -41,8 +41,8 @@ class LookupsTest : public ::testing::Test {
   int SelectsMentioning(const std::string& text) const;
   std::vector<std::string> Messages() const { return messages_.Texts(); }
 
-  TestDatabase system_{"system.db"};
-  TestDatabase main_{"main.db"};
+  BackendDatabase system_;
+  BackendDatabase main_;
   MessageRecorder messages_;
 
  private:

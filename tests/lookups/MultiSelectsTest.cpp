@@ -10,8 +10,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 using MultiSelectsTest = LookupsTest;
+KELVARY_ON_EVERY_BACKEND(MultiSelectsTest);
 
-TEST_F(MultiSelectsTest, DefinitionsNameTheirTablesLinksAndWindows) {
+TEST_P(MultiSelectsTest, DefinitionsNameTheirTablesLinksAndWindows) {
   std::string descriptions, sql, display, value, store, parent;
   int32_t link = 0;
   EXPECT_EQ(link_.SupplyMultiListdata(3, descriptions, sql, display, value, &link),
@@ -36,7 +37,7 @@ TEST_F(MultiSelectsTest, DefinitionsNameTheirTablesLinksAndWindows) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(MultiSelectsTest, MissingDefinitionsAreReportedEachInItsOwnWords) {
+TEST_P(MultiSelectsTest, MissingDefinitionsAreReportedEachInItsOwnWords) {
   std::string descriptions, sql, display, value, store = "-";
   EXPECT_EQ(link_.SupplyMultiListdata(99, descriptions, sql, display, value), "");
   EXPECT_EQ(link_.GetMultiListParentWnd(99), 0);
@@ -53,7 +54,7 @@ TEST_F(MultiSelectsTest, MissingDefinitionsAreReportedEachInItsOwnWords) {
               ElementsAre("Data for MultiList 3 not found !", "No Multiselect entries !"));
 }
 
-TEST_F(MultiSelectsTest, OptionsOfEveryMultiSelectOfAParentCarryTheirEncodedValues) {
+TEST_P(MultiSelectsTest, OptionsOfEveryMultiSelectOfAParentCarryTheirEncodedValues) {
   RecordingListControl list(true);
   list.Tag("before");
   link_.FillWithMultiListOptions(20, list);
@@ -74,7 +75,7 @@ TEST_F(MultiSelectsTest, OptionsOfEveryMultiSelectOfAParentCarryTheirEncodedValu
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(MultiSelectsTest, MultiSelectStatementListsTheParentsHoldingAnOption) {
+TEST_P(MultiSelectsTest, MultiSelectStatementListsTheParentsHoldingAnOption) {
   Config("INSERT INTO MultiSelects VALUES (2, 10, 30, 4), (4, 10, 31, 6)");
   Reload();
   std::string display, value;
@@ -97,7 +98,7 @@ TEST_F(MultiSelectsTest, MultiSelectStatementListsTheParentsHoldingAnOption) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(MultiSelectsTest, MultiStringJoinsTheChosenValuesInTheDatabasesOrder) {
+TEST_P(MultiSelectsTest, MultiStringJoinsTheChosenValuesInTheDatabasesOrder) {
   const std::string sql =
       "Select Allergies.Description from Allergies , PatientAllergies where "
       "(PatientAllergies.ValueID = Allergies.ID)  and ( PatientAllergies.SourceID = 1) ";

@@ -26,8 +26,9 @@ class SearchLinksTest : public LookupsTest {
     return d;
   }
 };
+KELVARY_ON_EVERY_BACKEND(SearchLinksTest);
 
-TEST_F(SearchLinksTest, DetailsComeFromTheLinkAndItsTable) {
+TEST_P(SearchLinksTest, DetailsComeFromTheLinkAndItsTable) {
   AddSearchLink(11, 7, "LoginName", "NULL", "NULL", "NULL", "NULL", "'LastName'", "111");
   Reload();
   const Details d = Get(10);
@@ -44,7 +45,7 @@ TEST_F(SearchLinksTest, DetailsComeFromTheLinkAndItsTable) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(SearchLinksTest, TheLinksOwnNewScreenWinsOverItsTables) {
+TEST_P(SearchLinksTest, TheLinksOwnNewScreenWinsOverItsTables) {
   // Cities (table 1) has new-entry screen 5; patients (table 2) none.
   AddSearchLink(41, 1, "Description", "NULL", "NULL", "0");
   AddSearchLink(42, 1, "Description", "NULL", "NULL", "7");
@@ -58,7 +59,7 @@ TEST_F(SearchLinksTest, TheLinksOwnNewScreenWinsOverItsTables) {
   EXPECT_EQ(Get(44).screen, 5);
 }
 
-TEST_F(SearchLinksTest, AWhereClauseGetsAnOrderClauseUnlessItEndsInALowerCaseOne) {
+TEST_P(SearchLinksTest, AWhereClauseGetsAnOrderClauseUnlessItEndsInALowerCaseOne) {
   AddSearchLink(41, 1, "Description", "NULL", "'ParentID = 0'");
   AddSearchLink(42, 1, "Description", "NULL", "'ParentID = 0 order by ID'");
   AddSearchLink(43, 1, "Description", "NULL", "'ParentID = 0 ORDER BY ID'");
@@ -70,7 +71,7 @@ TEST_F(SearchLinksTest, AWhereClauseGetsAnOrderClauseUnlessItEndsInALowerCaseOne
   EXPECT_EQ(Get(43).sql, start + "ORDER BY ID Order by Description");
 }
 
-TEST_F(SearchLinksTest, AHandWrittenStatementServesDetailsButNotDescriptionsOrListsOfATable) {
+TEST_P(SearchLinksTest, AHandWrittenStatementServesDetailsButNotDescriptionsOrListsOfATable) {
   // Link 41 has a table and a statement; link 42 only a statement.
   AddSearchLink(41, 1, "Description", "'Select Description, ID from Cities where ID = 2'",
                 "'ParentID > 0'");
@@ -92,7 +93,7 @@ TEST_F(SearchLinksTest, AHandWrittenStatementServesDetailsButNotDescriptionsOrLi
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(SearchLinksTest, DescriptionsOfCodesPersonsAndMultiSelectValues) {
+TEST_P(SearchLinksTest, DescriptionsOfCodesPersonsAndMultiSelectValues) {
   EXPECT_EQ(link_.GetDescription(10, 5), "Eastbank");
   EXPECT_EQ(link_.GetDescription(10, 99), "");
   // "%X" composes the name; the gaps stay around a missing middle name.
@@ -103,7 +104,7 @@ TEST_F(SearchLinksTest, DescriptionsOfCodesPersonsAndMultiSelectValues) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(SearchLinksTest, AMissingLinkIsReportedAndLeavesTheOutArgumentsAlone) {
+TEST_P(SearchLinksTest, AMissingLinkIsReportedAndLeavesTheOutArgumentsAlone) {
   const Details missing = Get(99);
   EXPECT_EQ(missing.window, 0);
   EXPECT_EQ(missing.display + missing.sql, "--");
@@ -116,7 +117,7 @@ TEST_F(SearchLinksTest, AMissingLinkIsReportedAndLeavesTheOutArgumentsAlone) {
                                       "Problem in GetDescription for SearchLinkID -9000001"));
 }
 
-TEST_F(SearchLinksTest, ControlTypeFollowsTheSizeOfTheList) {
+TEST_P(SearchLinksTest, ControlTypeFollowsTheSizeOfTheList) {
   Variant many;
   EXPECT_EQ(link_.GetSrchlinkControlType(20, many), ctSearchWindow);
   EXPECT_EQ(many, Variant(true));
@@ -128,7 +129,7 @@ TEST_F(SearchLinksTest, ControlTypeFollowsTheSizeOfTheList) {
   EXPECT_TRUE(Messages().empty());
 }
 
-TEST_F(SearchLinksTest, DefinitionTableOfLinksAndMultiSelectValuesRoundingHalvesToEven) {
+TEST_P(SearchLinksTest, DefinitionTableOfLinksAndMultiSelectValuesRoundingHalvesToEven) {
   Config("INSERT INTO MultiSelects VALUES (2, 10, 30, 4), (4, 30, 31, 6)");
   const size_t before = Selects().size();
   EXPECT_EQ(link_.GetDefinitionTable(0), 0);
@@ -144,7 +145,7 @@ TEST_F(SearchLinksTest, DefinitionTableOfLinksAndMultiSelectValuesRoundingHalves
   EXPECT_THAT(Messages(), ElementsAre("Problem in SearchLinkID 0"));
 }
 
-TEST_F(SearchLinksTest, LookUpsAfterInitListsNeverReadTheSearchLinksAgain) {
+TEST_P(SearchLinksTest, LookUpsAfterInitListsNeverReadTheSearchLinksAgain) {
   EXPECT_EQ(SelectsMentioning("FillNSearchLinks"), 2);  // the two caches, once each
   RecordingListControl list;
   Variant many;

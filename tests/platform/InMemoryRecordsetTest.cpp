@@ -103,9 +103,12 @@ TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
   EXPECT_EQ(ErrorOf([&] { rs->Engine().Load(RowSet(), {}); }).Number(), kErrObjectOpen);
 }
 
-TEST(InMemoryRecordset, RowsThatKeepTheirBaseColumnsCanWriteToTheTable) {
-  TestDatabase db;
-  db.Run(kPatients);
+using InMemoryRecordsetOnTable = BackendTest;
+KELVARY_ON_EVERY_BACKEND(InMemoryRecordsetOnTable);
+
+TEST_P(InMemoryRecordsetOnTable, RowsThatKeepTheirBaseColumnsCanWriteToTheTable) {
+  BackendDatabase db = NewDatabase();
+  db.Run(PatientsSql(Traits()));
   StatementResult result = db.Connection()->Driver().Run(
       "SELECT ID, LastName FROM patients WHERE ID < ?", {Variant(int32_t{3})}, 0);
   auto rs = std::make_shared<Recordset>();

@@ -11,21 +11,25 @@
 namespace kelvary::testing {
 namespace {
 
-class RecordsetFindFilter : public ::testing::Test {
+class RecordsetFindFilter : public BackendTest {
  protected:
   void SetUp() override {
-    db_.Run(kPatients);
+    BackendTest::SetUp();
+    if (IsSkipped()) return;
+    db_ = NewDatabase();
+    db_.Run(PatientsSql(Traits()));
     rs_ = OpenRecordset(db_.Connection(), "SELECT * FROM patients ORDER BY ID");
   }
   int32_t CurrentId() { return CLng(rs_->Fields("ID").Value()); }
-  TestDatabase db_;
+  BackendDatabase db_;
   std::shared_ptr<Recordset> rs_;
 };
+KELVARY_ON_EVERY_BACKEND(RecordsetFindFilter);
 
 const Variant kFirst(int32_t{adBookmarkFirst});
 const Variant kLast(int32_t{adBookmarkLast});
 
-TEST_F(RecordsetFindFilter, FindForwardFromTheCurrentRowOrAStartWithSkip) {
+TEST_P(RecordsetFindFilter, FindForwardFromTheCurrentRowOrAStartWithSkip) {
   rs_->Find("ID = 5");
   EXPECT_EQ(CurrentId(), 5);
   rs_->Find("LastName = 'smith'");  // from the current row onwards; texts ignore case
@@ -43,7 +47,7 @@ TEST_F(RecordsetFindFilter, FindForwardFromTheCurrentRowOrAStartWithSkip) {
   EXPECT_EQ(CurrentId(), 2);
 }
 
-TEST_F(RecordsetFindFilter, FindBackwardEndsAtBof) {
+TEST_P(RecordsetFindFilter, FindBackwardEndsAtBof) {
   rs_->Find("Balance > 5", 0, adSearchBackward, kLast);
   EXPECT_EQ(CurrentId(), 6);
   rs_->Find("Balance > 5", 1, adSearchBackward);
@@ -61,7 +65,7 @@ TEST_F(RecordsetFindFilter, FindBackwardEndsAtBof) {
   EXPECT_EQ(CurrentId(), 4);
 }
 
-TEST_F(RecordsetFindFilter, RepeatedFindsOnANumberAgreeWithTheScan) {
+TEST_P(RecordsetFindFilter, RepeatedFindsOnANumberAgreeWithTheScan) {
   // The second and later Finds on a column answer from an index; it must
   // give what the scan gives, including after changes to the rows.
   auto rs = OpenRecordset(db_.Connection(), "SELECT * FROM patients ORDER BY ID", adLockOptimistic);
@@ -90,7 +94,7 @@ TEST_F(RecordsetFindFilter, RepeatedFindsOnANumberAgreeWithTheScan) {
   }
 }
 
-TEST_F(RecordsetFindFilter, FilterHidesRowsAndRecordCountFollows) {
+TEST_P(RecordsetFindFilter, FilterHidesRowsAndRecordCountFollows) {
   rs_->Filter("ParentID = 3");
   EXPECT_EQ(rs_->RecordCount(), 2);
   EXPECT_EQ(CurrentId(), 4);  // setting a filter moves to the first match
@@ -134,9 +138,9 @@ TEST_F(RecordsetFindFilter, FilterHidesRowsAndRecordCountFollows) {
   EXPECT_EQ(rs_->Filter(), "");
 }
 
-TEST_F(RecordsetFindFilter, BracketedNamesAndTableQualifiedNamesResolve) {
+TEST_P(RecordsetFindFilter, BracketedNamesAndTableQualifiedNamesResolve) {
   db_.Run(
-      "CREATE TABLE odd ([First Name] TEXT, [Order] INTEGER);"
+      "CREATE TABLE odd (\"First Name\" TEXT, \"Order\" INTEGER);"
       "INSERT INTO odd VALUES ('Al', 1); INSERT INTO odd VALUES ('Bo', 2);");
   auto rs = OpenRecordset(db_.Connection(), "SELECT * FROM odd");
   rs->Filter("[First Name] = 'Bo' AND [order] = 2");
@@ -146,7 +150,7 @@ TEST_F(RecordsetFindFilter, BracketedNamesAndTableQualifiedNamesResolve) {
   EXPECT_EQ(rs->Fields("First Name").Value(), Variant("Bo"));
 }
 
-TEST_F(RecordsetFindFilter, BadCriteriaRaiseAnErrorNamingThem) {
+TEST_P(RecordsetFindFilter, BadCriteriaRaiseAnErrorNamingThem) {
   const char* bad[] = {"",
                        "ID =",
                        "ID == 5",

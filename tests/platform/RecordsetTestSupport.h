@@ -1,4 +1,4 @@
-// Small helpers shared by the platform tests that work on real SQLite files.
+// Small helpers shared by the platform tests that work on real databases.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
+#include "support/Backend.h"
 #include "support/TestDatabase.h"
 
 namespace kelvary::testing {
@@ -44,23 +45,29 @@ inline std::string Ids(Recordset& rs, const char* field = "ID") {
   return ids;
 }
 
-// A small practice: six patients, some related to a parent.
-inline const char* kPatients = R"sql(
-  CREATE TABLE patients (
-    ID INTEGER PRIMARY KEY,
-    LastName TEXT NOT NULL,
-    FirstName VARCHAR(30),
-    DOB DATE,
-    Balance DOUBLE,
-    ParentID INTEGER,
-    Active BOOLEAN DEFAULT 1
-  );
-  INSERT INTO patients VALUES (1, 'Smith', 'John', '1980-03-05', 10.5, NULL, 1);
-  INSERT INTO patients VALUES (2, 'O''Brien', 'Mary', '1975-12-31', 0, 1, 1);
-  INSERT INTO patients VALUES (3, 'smithers', 'Paul', '2001-07-14', -3.25, 1, 0);
-  INSERT INTO patients VALUES (4, 'Jones', NULL, NULL, NULL, 3, 1);
-  INSERT INTO patients VALUES (5, 'Brown', 'Ann', '1990-01-01 08:30:00', 99, 3, 0);
-  INSERT INTO patients VALUES (6, 'Smith', 'Jane', '2010-10-10', 7, NULL, 1);
-)sql";
+// A small practice: six patients, some related to a parent. DOB holds a
+// time of day for patient 5.
+inline std::string PatientsSql(const BackendTraits& traits = {}) {
+  return "CREATE TABLE patients ("
+         "  ID " +
+         traits.auto_key +
+         ","
+         "  LastName TEXT NOT NULL,"
+         "  FirstName VARCHAR(30),"
+         "  DOB " +
+         traits.datetime_type +
+         ","
+         "  Balance DOUBLE PRECISION,"
+         "  ParentID INTEGER,"
+         "  Active BOOLEAN DEFAULT TRUE"
+         ");"
+         "INSERT INTO patients VALUES (1, 'Smith', 'John', '1980-03-05', 10.5, NULL, TRUE);"
+         "INSERT INTO patients VALUES (2, 'O''Brien', 'Mary', '1975-12-31', 0, 1, TRUE);"
+         "INSERT INTO patients VALUES (3, 'smithers', 'Paul', '2001-07-14', -3.25, 1, FALSE);"
+         "INSERT INTO patients VALUES (4, 'Jones', NULL, NULL, NULL, 3, TRUE);"
+         "INSERT INTO patients VALUES (5, 'Brown', 'Ann', '1990-01-01 08:30:00', 99, 3, FALSE);"
+         "INSERT INTO patients VALUES (6, 'Smith', 'Jane', '2010-10-10', 7, NULL, TRUE);" +
+         traits.SyncAutoKey("patients", "ID");
+}
 
 }  // namespace kelvary::testing

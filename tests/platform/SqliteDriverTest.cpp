@@ -123,7 +123,7 @@ TEST(SqliteDriver, DateLiteralsAndIsnullCallsAreRewrittenOutsideQuotedText) {
 
 TEST(SqliteDriver, DialectFunctionsRunOnSqlite) {
   TestDatabase db;
-  db.Run(kPatients);
+  db.Run(PatientsSql());
   const Clock previous = SetClock([] { return DateTimeOf(2024, 3, 5, 14, 7, 9); });
   const auto& c = db.Connection();
   const std::pair<const char*, Variant> cases[] = {

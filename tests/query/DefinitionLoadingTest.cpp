@@ -18,6 +18,15 @@ namespace {
 
 using ::testing::ElementsAre;
 
+using AssignRecordSet = BackendTest;
+KELVARY_ON_EVERY_BACKEND(AssignRecordSet);
+using InitSettings = BackendTest;
+KELVARY_ON_EVERY_BACKEND(InitSettings);
+using IsSimpleTemplate = BackendTest;
+KELVARY_ON_EVERY_BACKEND(IsSimpleTemplate);
+using LoadTemplateConditions = BackendTest;
+KELVARY_ON_EVERY_BACKEND(LoadTemplateConditions);
+
 std::vector<std::string> Texts(const GeneralCollection& list) {
   std::vector<std::string> texts;
   for (const auto& entry : list)
@@ -25,8 +34,8 @@ std::vector<std::string> Texts(const GeneralCollection& list) {
   return texts;
 }
 
-TEST(InitSettings, MissingOrUnknownQueryShowsItsMessage) {
-  DemoPractice practice;
+TEST_P(InitSettings, MissingOrUnknownQueryShowsItsMessage) {
+  DemoPractice practice(TheBackend());
   MessageRecorder messages;
 
   // No code: nothing is read, not even the valid template.
@@ -49,8 +58,8 @@ TEST(InitSettings, MissingOrUnknownQueryShowsItsMessage) {
   EXPECT_EQ(unknown.ShapeNests()->Count(), 0);
 }
 
-TEST(InitSettings, KeepsTheParameterStringAsGiven) {
-  DemoPractice practice;
+TEST_P(InitSettings, KeepsTheParameterStringAsGiven) {
+  DemoPractice practice(TheBackend());
   for (const std::string& rep :
        {std::string(""), std::string("  a;b='c'  "), std::string("\xC3\xA9t\xC3\xA9\t\n")}) {
     QueryInterpretor qi;
@@ -59,8 +68,8 @@ TEST(InitSettings, KeepsTheParameterStringAsGiven) {
   }
 }
 
-TEST(InitSettings, ReadsTheQueryRow) {
-  DemoPractice practice;
+TEST_P(InitSettings, ReadsTheQueryRow) {
+  DemoPractice practice(TheBackend());
   QueryInterpretor users;
   users.InitSettings("", 9, 0, false);
   EXPECT_EQ(users.QueryID, 9);
@@ -77,10 +86,10 @@ TEST(InitSettings, ReadsTheQueryRow) {
   EXPECT_EQ(report.RawSQL, "Select InvoiceDate, Amount, Paid From invoices");
 }
 
-TEST(InitSettings, StoredTextQueriesLoadNoModel) {
+TEST_P(InitSettings, StoredTextQueriesLoadNoModel) {
   // Query 6 has a level row for its marker, and template 1 has groups and
   // parameters: neither is read for a query that is not built.
-  DemoPractice practice;
+  DemoPractice practice(TheBackend());
   QueryInterpretor qi;
   qi.InitSettings("", 6, 1, false);
   EXPECT_EQ(qi.QueryBuildMethod, qbmDirectADO);
@@ -90,8 +99,8 @@ TEST(InitSettings, StoredTextQueriesLoadNoModel) {
   EXPECT_EQ(qi.TemplateDescription, "Patients by name, city, insurance and age");
 }
 
-TEST(InitSettings, ReportTemplatesComeFromTheirOwnTable) {
-  DemoPractice practice;
+TEST_P(InitSettings, ReportTemplatesComeFromTheirOwnTable) {
+  DemoPractice practice(TheBackend());
   QueryInterpretor monthly;  // supplier 3, set NULL
   monthly.TemplateSet = 7;
   monthly.InitSettings("", 8, 1, false);
@@ -113,8 +122,9 @@ TEST(InitSettings, ReportTemplatesComeFromTheirOwnTable) {
   EXPECT_EQ(built.TemplateSupplier, 0);
 }
 
-TEST(IsSimpleTemplate, OnlyTheMarkerOneCounts) {
+TEST_P(IsSimpleTemplate, OnlyTheMarkerOneCounts) {
   DemoPractice practice(
+      TheBackend(),
       "INSERT INTO XQueryTemplates (ID, QueryID, Description, SimpleQueryTemplateID) VALUES "
       "(10, 8, 'zero', 0), (11, 8, 'null', NULL), (12, 8, 'one again', 1)");
   const std::vector<std::pair<int32_t, bool>> expected = {{1, true},   {2, false}, {10, false},
@@ -126,8 +136,8 @@ TEST(IsSimpleTemplate, OnlyTheMarkerOneCounts) {
   }
 }
 
-TEST(InitSettings, LoadsLevelsTablesAndFieldsUnderTheirKeys) {
-  DemoPractice practice;
+TEST_P(InitSettings, LoadsLevelsTablesAndFieldsUnderTheirKeys) {
+  DemoPractice practice(TheBackend());
   QueryInterpretor qi;
   qi.InitSettings("", 5, 0, false);
   const auto& levels = qi.ShapeNests();
@@ -166,8 +176,8 @@ TEST(InitSettings, LoadsLevelsTablesAndFieldsUnderTheirKeys) {
   EXPECT_THAT(Texts(*levels->Item("S52")->SortedOPFields()), ElementsAre("F520T52", "F521T52"));
 }
 
-TEST(InitSettings, NamesBothColumnsOfAJoin) {
-  DemoPractice practice;
+TEST_P(InitSettings, NamesBothColumnsOfAJoin) {
+  DemoPractice practice(TheBackend());
   QueryInterpretor qi;
   qi.InitSettings("", 1, 0, false);
   const auto& city = qi.ShapeNests()->Item("S10")->OutPutTables()->Item("T11");
@@ -180,8 +190,8 @@ TEST(InitSettings, NamesBothColumnsOfAJoin) {
   EXPECT_EQ(city->Depth, 2);
 }
 
-TEST(LoadTemplateConditions, GroupsParametersAndSortOptions) {
-  DemoPractice practice;
+TEST_P(LoadTemplateConditions, GroupsParametersAndSortOptions) {
+  DemoPractice practice(TheBackend());
   QueryInterpretor qi;
   qi.InitSettings("", 1, 1, false);
   const auto& groups = qi.CurrentConditions();
@@ -237,8 +247,9 @@ TEST(LoadTemplateConditions, GroupsParametersAndSortOptions) {
   EXPECT_EQ(sorts->Item("S6")->ID, 0);
 }
 
-TEST(LoadTemplateConditions, SearchAndSortOrdersDecideWhatARowIs) {
+TEST_P(LoadTemplateConditions, SearchAndSortOrdersDecideWhatARowIs) {
   DemoPractice practice(
+      TheBackend(),
       "INSERT INTO QueryTemplates (ID, QueryID, Description) VALUES (100, 3, 'orders');"
       "INSERT INTO QueryConditionGroups (ID, QueryTemplateID, NestedBinding) VALUES (100, 100, 31);"
       "INSERT INTO QueryTemplateParameters (ID, QueryConditionID, QueryDataTableID, DataFieldID,"
@@ -260,8 +271,9 @@ TEST(LoadTemplateConditions, SearchAndSortOrdersDecideWhatARowIs) {
   EXPECT_FALSE(qi.AreThereAnyParameters(true));
 }
 
-TEST(LoadTemplateConditions, ParameterFlags) {
+TEST_P(LoadTemplateConditions, ParameterFlags) {
   DemoPractice practice(
+      TheBackend(),
       "INSERT INTO QueryTemplates (ID, QueryID, Description) VALUES (101, 3, 'groups only');"
       "INSERT INTO QueryConditionGroups (ID, QueryTemplateID, NestedBinding) VALUES (101, 101, 30);"
       // A parameter on a field without a search-link row never loads.
@@ -289,11 +301,11 @@ TEST(LoadTemplateConditions, ParameterFlags) {
   EXPECT_EQ(essential.GetCurrentSpecs(), "");
 }
 
-TEST(AssignRecordSet, OpensOnlyStoredTextAndBuiltQueries) {
-  DemoPractice practice(
-      "INSERT INTO Queries (ID, Description, QueryBuildMethod, SqlStmt) VALUES"
-      " (120, 'standard', 7, 'Select ID From patients'),"
-      " (121, 'direct', 1, 'Select ID From patients Where ID > 1000')");
+TEST_P(AssignRecordSet, OpensOnlyStoredTextAndBuiltQueries) {
+  DemoPractice practice(TheBackend(),
+                        "INSERT INTO Queries (ID, Description, QueryBuildMethod, SqlStmt) VALUES"
+                        " (120, 'standard', 7, 'Select ID From patients'),"
+                        " (121, 'direct', 1, 'Select ID From patients Where ID > 1000')");
   MessageRecorder messages;
 
   QueryInterpretor standard;

@@ -1,30 +1,31 @@
-// DemoPractice: the demo practice as real SQLite files in a temporary folder
-// (data/ schema and demo rows, plus a test's own definition rows), and a
-// service object connected to them and made the active one. One per test.
+// DemoPractice: the demo practice in two fresh databases of a backend (data/
+// schema and demo rows, plus a test's own definition rows), and a service
+// object set to the backend's dialect, connected to them and made the active
+// one. One per test.
 #pragma once
 
 #include <memory>
 #include <string>
 
 #include "kelvary/service/InfoLink.h"
-#include "support/TestDatabase.h"
+#include "support/Backend.h"
 
 namespace kelvary::testing {
 
 class DemoPractice {
  public:
   // Builds both databases; extra_system_sql runs on the system database after
-  // its demo rows. Connects through data-source names that are the files'
-  // paths, as a host configured for the embedded database does.
-  explicit DemoPractice(const std::string& extra_system_sql = "");
+  // its demo rows. Connects through the databases' data-source names (the
+  // files' paths for SQLite), as a host configured for them does.
+  explicit DemoPractice(const Backend& backend, const std::string& extra_system_sql = "");
 
   InfoLink& Link() { return *link_; }
-  TestDatabase& System() { return system_; }
-  TestDatabase& Main() { return main_; }
+  BackendDatabase& System() { return system_; }
+  BackendDatabase& Main() { return main_; }
 
  private:
-  TestDatabase system_;
-  TestDatabase main_;
+  BackendDatabase system_;
+  BackendDatabase main_;
   std::unique_ptr<InfoLink> link_;
 };
 

@@ -44,7 +44,7 @@ std::vector<std::string> SplitCells(const std::string& line) {
 
 }  // namespace
 
-QueryCase ReadQueryCase(const std::string& path) {
+QueryCase ReadQueryCase(const std::string& path, StdDBTypes dialect) {
   std::ifstream in(path);
   if (!in) throw std::runtime_error("cannot read " + path);
   QueryCase c;
@@ -58,11 +58,26 @@ QueryCase ReadQueryCase(const std::string& path) {
     const std::string t = Trim(line);
     if (!t.empty() && t.front() == '[' && t.back() == ']') {
       section = t.substr(1, t.size() - 2);
+      const size_t blank = section.find(' ');
+      if (blank != std::string::npos) {
+        if (section.substr(blank + 1) != "oracle")
+          throw std::runtime_error(where + ": no such variant");
+        section.resize(blank);
+        if (dialect != sdbOracle) {
+          section = "other dialect";
+          continue;
+        }
+        // The variant replaces what its section gave.
+        if (section == "host") c.host.clear();
+        if (section == "statement") c.statement.clear();
+        if (section == "conditions") c.conditions.clear();
+      }
       if (section == "statement") c.has_statement = true;
       if (section == "conditions") c.has_conditions = true;
       if (section == "rows") c.has_rows = true;
       continue;
     }
+    if (section == "other dialect") continue;
     if (section == "definition") {
       c.definition += line + "\n";
       continue;

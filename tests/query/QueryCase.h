@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "kelvary/service/Enums.h"
+
 namespace kelvary::testing {
 
 struct QueryCase {
@@ -25,9 +27,11 @@ struct QueryCase {
   std::vector<std::string> messages;  // messages expected, in order
 };
 
-// ReadQueryCase parses a case file; a malformed file raises
-// std::runtime_error naming the file and the line.
-QueryCase ReadQueryCase(const std::string& path);
+// ReadQueryCase parses a case file as it reads in a dialect: for the Oracle
+// dialect a section's "oracle" variant ([statement oracle] ...) stands in
+// for the section, for any other the variants are passed over. A malformed
+// file raises std::runtime_error naming the file and the line.
+QueryCase ReadQueryCase(const std::string& path, StdDBTypes dialect = sdbAccess);
 
 // QueryCaseFiles: the case files of a folder, sorted by name.
 std::vector<std::string> QueryCaseFiles(const std::string& folder);

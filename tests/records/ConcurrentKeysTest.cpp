@@ -1,14 +1,17 @@
-// Four processes generate location-wise keys on one SQLite file at the same
+// Four processes generate location-wise keys on one database at the same
 // time; each key must be issued once.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
+#include <iostream>
 #include <set>
 
+#include "kelvary/platform/Error.h"
 #include "kelvary/service/InfoLink.h"
-#include "support/TestDatabase.h"
+#include "support/Backend.h"
+#include "support/TempDir.h"
 
 namespace kelvary {
 namespace {
@@ -29,13 +32,21 @@ int GenerateKeys(const std::string& main, const std::string& system, const std::
     for (int i = 0; i < kKeysEach; ++i)
       file << link.GenerateNumericCode(pdsmaindata, "patients", "ID") << '\n';
     return file.good() ? 0 : 3;
+  } catch (const Error& e) {
+    std::cerr << "key process " << getpid() << ": " << e.Description() << "\n";
+    return 4;
   } catch (...) {
     return 4;
   }
 }
 
-TEST(ConcurrentKeys, FourProcessesNeverReceiveTheSameLocationKey) {
-  testing::TestDatabase main_db("main.db"), system_db("system.db");
+using ConcurrentKeys = testing::BackendTest;
+KELVARY_ON_EVERY_BACKEND(ConcurrentKeys);
+
+TEST_P(ConcurrentKeys, FourProcessesNeverReceiveTheSameLocationKey) {
+  testing::BackendDatabase main_db = NewDatabase("main.db");
+  testing::BackendDatabase system_db = NewDatabase("system.db");
+  const testing::TempDir out_dir;
   main_db.RunFile("main_schema.sql");
   system_db.RunFile("system_schema.sql");
   system_db.Run("INSERT INTO DataTables (ID, ValuesTable) VALUES (5, 'patients')");
@@ -44,10 +55,10 @@ TEST(ConcurrentKeys, FourProcessesNeverReceiveTheSameLocationKey) {
 
   std::vector<pid_t> children;
   for (int p = 0; p < kProcesses; ++p) {
-    const std::string out = main_db.Folder().File("keys" + std::to_string(p));
+    const std::string out = out_dir.File("keys" + std::to_string(p));
     const pid_t child = fork();
     ASSERT_GE(child, 0);
-    if (child == 0) _exit(GenerateKeys(main_db.ConnectionString(), system_db.Path(), out));
+    if (child == 0) _exit(GenerateKeys(main_db.ConnectionString(), system_db.DataSource(), out));
     children.push_back(child);
   }
   std::set<int64_t> keys;
@@ -55,7 +66,7 @@ TEST(ConcurrentKeys, FourProcessesNeverReceiveTheSameLocationKey) {
     int status = 0;
     ASSERT_EQ(waitpid(children[p], &status, 0), children[p]);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
-    std::ifstream in(main_db.Folder().File("keys" + std::to_string(p)));
+    std::ifstream in(out_dir.File("keys" + std::to_string(p)));
     for (int64_t key; in >> key;)
       EXPECT_TRUE(keys.insert(key).second) << "issued twice: " << key;
   }

@@ -8,8 +8,9 @@ namespace {
 
 using testing::RecordsTest;
 using Strings = std::vector<std::string>;
+KELVARY_ON_EVERY_BACKEND(RecordsTest);
 
-TEST_F(RecordsTest, MaximumPlusOneModesAndTheirLimitThreshold) {
+TEST_P(RecordsTest, MaximumPlusOneModesAndTheirLimitThreshold) {
   for (CodeGenMethods mode : {cgmDefault, cgmRawGenerate, cgmDCOM, cgmStoredProcedure}) {
     main_db_.Run("DELETE FROM patients");
     auto link = Connect(mode, lfetSelectSQL);
@@ -27,7 +28,7 @@ TEST_F(RecordsTest, MaximumPlusOneModesAndTheirLimitThreshold) {
   }
 }
 
-TEST_F(RecordsTest, MaxCollectionModeCountsInTheCollection) {
+TEST_P(RecordsTest, MaxCollectionModeCountsInTheCollection) {
   main_db_.Run("INSERT INTO patients (ID) VALUES (5)");
   auto link = Connect(cgmMaxCollection);
   EXPECT_EQ(link->GenerateNumericCodeAsDouble(pdsmaindata, "patients", "ID"), 6.0);
@@ -51,7 +52,7 @@ TEST_F(RecordsTest, MaxCollectionModeCountsInTheCollection) {
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_F(RecordsTest, DynamicTablesModeKeepsTheCounterInDataTables) {
+TEST_P(RecordsTest, DynamicTablesModeKeepsTheCounterInDataTables) {
   main_db_.Run("INSERT INTO patients (ID) VALUES (7)");
   auto link = Connect(cgmDynamicTables);
   // First call: the row is found by name and the counter starts at the
@@ -69,7 +70,7 @@ TEST_F(RecordsTest, DynamicTablesModeKeepsTheCounterInDataTables) {
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_F(RecordsTest, NetworkServerModeAsksTheHost) {
+TEST_P(RecordsTest, NetworkServerModeAsksTheHost) {
   auto link = Connect(cgmNetworkServer);
   link->Unadvise(events_);
   EXPECT_EQ(link->GenerateNumericCode(pdsmaindata, "patients", "ID"), 0);
@@ -82,7 +83,7 @@ TEST_F(RecordsTest, NetworkServerModeAsksTheHost) {
   EXPECT_EQ(messages_.Texts(), Strings{"Not Handled !"});
 }
 
-TEST_F(RecordsTest, LocationWiseModeCountsPerLocationBehindThePrefix) {
+TEST_P(RecordsTest, LocationWiseModeCountsPerLocationBehindThePrefix) {
   auto link = Connect(cgmPhysicalLocationWise, lfetUpdateSQL | lfetInsertStmts);
   link->CurrentPhysicalLocationID = 4;
   link->CurrPhysLocIDPrefix = 3;
@@ -117,7 +118,7 @@ TEST_F(RecordsTest, LocationWiseModeCountsPerLocationBehindThePrefix) {
                      "CurrPhysLocIDPrefix = 0 ", "CurrPhysLocIDPrefix = 0 "}));
 }
 
-TEST_F(RecordsTest, RegistrationNumbers) {
+TEST_P(RecordsTest, RegistrationNumbers) {
   auto link = Connect(cgmDefault);
   EXPECT_EQ(link->GetRegNo("john", "", "smith"), "JS000001");
   EXPECT_EQ(link->GetRegNo("john", "  ", "smith"), "JS000001");
@@ -125,8 +126,11 @@ TEST_F(RecordsTest, RegistrationNumbers) {
   main_db_.Run(
       "INSERT INTO patients (ID, regnno) VALUES (1, 'JPS0041'), (2, 'JS000007'), "
       "(3, 'JPX0100')");
-  EXPECT_EQ(link->GetRegNo("john", "paul", "smith"), "JPS0042");
-  EXPECT_EQ(link->GetRegNo("jane", "", "Soames"), "JS000008");
+  // The system looks the highest number up with LIKE 'JPS*'.
+  if (Supports(Traits().desktop_like, "LIKE with * as its wild card")) {
+    EXPECT_EQ(link->GetRegNo("john", "paul", "smith"), "JPS0042");
+    EXPECT_EQ(link->GetRegNo("jane", "", "Soames"), "JS000008");
+  }
   EXPECT_TRUE(messages_.Texts().empty());
 }
 

@@ -1,8 +1,9 @@
-// What the record-lifecycle tests share: a main and a system database built
-// from data/, a service object connected to them in a chosen key mode (the
-// main connection opened from the direct string, so that the location-wise
-// mode has its sequence-generator connection), a recorder of the messages,
-// of the statements that reach the history hook and of the events.
+// What the record-lifecycle tests share: a main and a system database of the
+// backend under test, built from data/, a service object set to the
+// backend's dialect and connected to them in a chosen key mode (the main
+// connection opened from the direct string, so that the location-wise mode
+// has its sequence-generator connection), a recorder of the messages, of the
+// statements that reach the history hook and of the events.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,8 +15,8 @@
 
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/service/InfoLink.h"
+#include "support/Backend.h"
 #include "support/MessageRecorder.h"
-#include "support/TestDatabase.h"
 
 namespace kelvary::testing {
 
@@ -84,9 +85,13 @@ class EventLog : public InfoLinkEvents {
   }
 };
 
-class RecordsTest : public ::testing::Test {
+class RecordsTest : public BackendTest {
  protected:
-  RecordsTest() {
+  void SetUp() override {
+    BackendTest::SetUp();
+    if (IsSkipped()) return;
+    main_db_ = NewDatabase("main.db");
+    system_db_ = NewDatabase("system.db");
     main_db_.RunFile("main_schema.sql");
     system_db_.RunFile("system_schema.sql");
     system_db_.Run(
@@ -99,12 +104,13 @@ class RecordsTest : public ::testing::Test {
   // (LogFileEntryTypes bits) recorded in statements_.
   std::unique_ptr<InfoLink> Connect(CodeGenMethods mode, int32_t history = lfetNone) {
     auto link = std::make_unique<InfoLink>();
+    link->MainDBType = Traits().main_db_type;
     link->GenCodeMethod = mode;
     link->LogFileEntrySetting = history;
     link->SetSQLHistoryObserver(
         [this](LogFileEntryTypes, const std::string& sql) { statements_.push_back(sql); });
     std::shared_ptr<Connection> none_main, none_system;
-    EXPECT_TRUE(link->ConnectDefault(none_main, none_system, "", system_db_.Path(),
+    EXPECT_TRUE(link->ConnectDefault(none_main, none_system, "", system_db_.DataSource(),
                                      main_db_.ConnectionString()));
     link->Advise(events_);
     return link;
@@ -112,14 +118,18 @@ class RecordsTest : public ::testing::Test {
 
   // Value: the first column of the first row of sql on db, as text ("" for
   // Null, "none" when there is no row).
-  static std::string Value(const TestDatabase& db, const std::string& sql) {
+  static std::string Value(const BackendDatabase& db, const std::string& sql) {
     auto rs = std::make_shared<Recordset>();
     rs->Open(sql, db.Connection(), adOpenStatic, adLockReadOnly);
     return rs->Eof() ? "none" : TextOf(rs->Fields(0).Value());
   }
 
-  TestDatabase main_db_{"main.db"};
-  TestDatabase system_db_{"system.db"};
+  static std::string Rows(const BackendDatabase& db, const std::string& sql) {
+    return testing::Rows(db.Connection(), sql);
+  }
+
+  BackendDatabase main_db_;
+  BackendDatabase system_db_;
   MessageRecorder messages_;
   std::shared_ptr<EventLog> events_ = std::make_shared<EventLog>();
   std::vector<std::string> statements_;

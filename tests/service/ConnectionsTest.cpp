@@ -2,33 +2,38 @@
 
 #include "kelvary/platform/Date.h"
 #include "kelvary/service/InfoLink.h"
+#include "support/Backend.h"
 #include "support/MessageRecorder.h"
-#include "support/TestDatabase.h"
 
 namespace kelvary {
 namespace {
 
+using testing::BackendDatabase;
 using testing::MessageRecorder;
-using testing::TestDatabase;
 
 std::string Shaped(const std::string& dsn) {
   return "Provider=MSDataShape.1;Persist Security Info=False;Data Source=" + dsn +
          ";Data Provider=MSDASQL";
 }
 
-class ConnectDefaultTest : public ::testing::Test {
+class ConnectDefaultTest : public testing::BackendTest {
  protected:
   void SetUp() override {
+    BackendTest::SetUp();
+    if (IsSkipped()) return;
+    main_db_ = NewDatabase("main.db");
+    system_db_ = NewDatabase("system.db");
     system_db_.RunFile("system_schema.sql");
     main_db_.RunFile("main_schema.sql");
   }
 
-  TestDatabase main_db_{"main.db"};
-  TestDatabase system_db_{"system.db"};
+  BackendDatabase main_db_;
+  BackendDatabase system_db_;
   MessageRecorder messages_;
   std::shared_ptr<Connection> none_main_;
   std::shared_ptr<Connection> none_system_;
 };
+KELVARY_ON_EVERY_BACKEND(ConnectDefaultTest);
 
 TEST(InfoLinkSettings, DefaultsAndTheUpperCaseRule) {
   InfoLink link;
@@ -46,34 +51,36 @@ TEST(InfoLinkSettings, DefaultsAndTheUpperCaseRule) {
   EXPECT_EQ(link.CoreDataTable(), "");
 }
 
-TEST_F(ConnectDefaultTest, OpensBothConnectionsFromDataSourceNamesAndBecomesActive) {
+TEST_P(ConnectDefaultTest, OpensBothConnectionsFromDataSourceNamesAndBecomesActive) {
   {
     InfoLink link;
-    ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.Path(), system_db_.Path()));
-    EXPECT_EQ(link.AppDataXion()->ConnectionString(), Shaped(main_db_.Path()));
-    EXPECT_EQ(link.ConfigsXion()->ConnectionString(), Shaped(system_db_.Path()));
+    ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
+                                    system_db_.DataSource()));
+    EXPECT_EQ(link.AppDataXion()->ConnectionString(), Shaped(main_db_.DataSource()));
+    EXPECT_EQ(link.ConfigsXion()->ConnectionString(), Shaped(system_db_.DataSource()));
     EXPECT_EQ(link.AppDataXion()->CursorLocation(), adUseClient);
     EXPECT_EQ(ActiveInfoLink(), &link);
     // The caller's variables are left as they were.
     EXPECT_EQ(none_main_, nullptr);
     // An empty direct string is the same as none.
     InfoLink second;
-    ASSERT_TRUE(second.ConnectDefault(none_main_, none_system_, main_db_.Path(), system_db_.Path(),
-                                      std::string()));
-    EXPECT_EQ(second.AppDataXion()->ConnectionString(), Shaped(main_db_.Path()));
+    ASSERT_TRUE(second.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
+                                      system_db_.DataSource(), std::string()));
+    EXPECT_EQ(second.AppDataXion()->ConnectionString(), Shaped(main_db_.DataSource()));
     EXPECT_EQ(ActiveInfoLink(), &second);
   }
   EXPECT_EQ(ActiveInfoLink(), nullptr);
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_F(ConnectDefaultTest, DirectStringServesMainAndSequenceConnectionsNeverTheSystemOne) {
+TEST_P(ConnectDefaultTest, DirectStringServesMainAndSequenceConnectionsNeverTheSystemOne) {
   InfoLink link;
   link.GenCodeMethod = cgmPhysicalLocationWise;
   const std::string direct = main_db_.ConnectionString();
-  ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, "ignored", system_db_.Path(), direct));
+  ASSERT_TRUE(
+      link.ConnectDefault(none_main_, none_system_, "ignored", system_db_.DataSource(), direct));
   EXPECT_EQ(link.AppDataXion()->ConnectionString(), direct);
-  EXPECT_EQ(link.ConfigsXion()->ConnectionString(), Shaped(system_db_.Path()));
+  EXPECT_EQ(link.ConfigsXion()->ConnectionString(), Shaped(system_db_.DataSource()));
   // The sequence-generator connection reads the main database.
   std::shared_ptr<Recordset> rs;
   EXPECT_FALSE(link.FillRecordSet(pdsSequenceGenerator, rs, "Select * from LocationTableKeys",
@@ -82,9 +89,10 @@ TEST_F(ConnectDefaultTest, DirectStringServesMainAndSequenceConnectionsNeverTheS
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_F(ConnectDefaultTest, WithoutLocationKeysThereIsNoSequenceConnection) {
+TEST_P(ConnectDefaultTest, WithoutLocationKeysThereIsNoSequenceConnection) {
   InfoLink link;
-  ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.Path(), system_db_.Path()));
+  ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
+                                  system_db_.DataSource()));
   std::shared_ptr<Recordset> rs;
   EXPECT_FALSE(link.FillRecordSet(pdsSequenceGenerator, rs, "Select * from LocationTableKeys",
                                   adOpenForwardOnly, adLockReadOnly));
@@ -94,7 +102,7 @@ TEST_F(ConnectDefaultTest, WithoutLocationKeysThereIsNoSequenceConnection) {
             0u);
 }
 
-TEST_F(ConnectDefaultTest, GivenConnectionsAreSharedNotReopened) {
+TEST_P(ConnectDefaultTest, GivenConnectionsAreSharedNotReopened) {
   InfoLink link;
   auto main = main_db_.Connection();
   auto system = system_db_.Connection();
@@ -103,10 +111,10 @@ TEST_F(ConnectDefaultTest, GivenConnectionsAreSharedNotReopened) {
   EXPECT_EQ(link.ConfigsXion(), system);
 }
 
-TEST_F(ConnectDefaultTest, AFailedOpenReturnsFalseSilentlyAndKeepsWhatWasAssigned) {
+TEST_P(ConnectDefaultTest, AFailedOpenReturnsFalseSilentlyAndKeepsWhatWasAssigned) {
   InfoLink link;
-  const std::string missing = main_db_.Folder().File("absent.db");
-  EXPECT_FALSE(link.ConnectDefault(none_main_, none_system_, missing, system_db_.Path()));
+  const std::string missing = TheBackend().MissingDataSource();
+  EXPECT_FALSE(link.ConnectDefault(none_main_, none_system_, missing, system_db_.DataSource()));
   EXPECT_NE(link.AppDataXion(), nullptr);  // created and assigned before the failure
   EXPECT_EQ(link.AppDataXion()->State(), adStateClosed);
   EXPECT_EQ(link.ConfigsXion(), nullptr);
@@ -118,7 +126,7 @@ TEST_F(ConnectDefaultTest, AFailedOpenReturnsFalseSilentlyAndKeepsWhatWasAssigne
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_F(ConnectDefaultTest, TerminationStampsTheSessionLogoutThroughTheMainConnection) {
+TEST_P(ConnectDefaultTest, TerminationStampsTheSessionLogoutThroughTheMainConnection) {
   main_db_.Run(
       "INSERT INTO UserSessions (ID, UserID) VALUES (5, 1); "
       "INSERT INTO UserSessions (ID, UserID) VALUES (6, 1)");
@@ -130,7 +138,8 @@ TEST_F(ConnectDefaultTest, TerminationStampsTheSessionLogoutThroughTheMainConnec
     link.LogFileEntrySetting = lfetSelectSQL;
     link.SetSQLHistoryObserver(
         [&](LogFileEntryTypes, const std::string& sql) { history.push_back(sql); });
-    ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.Path(), system_db_.Path()));
+    ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
+                                    system_db_.DataSource()));
     history.clear();
   }
   SetClock(previous);

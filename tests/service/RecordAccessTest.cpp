@@ -4,22 +4,25 @@
 #include <vector>
 
 #include "kelvary/service/InfoLink.h"
+#include "support/Backend.h"
 #include "support/MessageRecorder.h"
-#include "support/TestDatabase.h"
 
 namespace kelvary {
 namespace {
 
+using testing::BackendDatabase;
 using testing::MessageRecorder;
-using testing::TestDatabase;
 
-class RecordAccessTest : public ::testing::Test {
+class RecordAccessTest : public testing::BackendTest {
  protected:
   void SetUp() override {
+    BackendTest::SetUp();
+    if (IsSkipped()) return;
+    db_ = NewDatabase();
     db_.Run(
         "CREATE TABLE items (ID INTEGER PRIMARY KEY, Name VARCHAR(20), Qty INTEGER, "
-        "Price DOUBLE, Done BOOLEAN, Seen DATE);"
-        "INSERT INTO items VALUES (1, 'one', 1, 1.5, 0, '2024-03-05');"
+        "Price DOUBLE PRECISION, Done BOOLEAN, Seen DATE);"
+        "INSERT INTO items VALUES (1, 'one', 1, 1.5, FALSE, '2024-03-05');"
         "INSERT INTO items VALUES (2, NULL, NULL, NULL, NULL, NULL);");
     link_.AppDataXion(db_.Connection());
     link_.ConfigsXion(db_.Connection());
@@ -34,13 +37,14 @@ class RecordAccessTest : public ::testing::Test {
     return CLng(rs->Fields("N").Value());
   }
 
-  TestDatabase db_;
+  BackendDatabase db_;
   MessageRecorder messages_;
   InfoLink link_;
   std::vector<std::pair<LogFileEntryTypes, std::string>> history_;
 };
+KELVARY_ON_EVERY_BACKEND(RecordAccessTest);
 
-TEST_F(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheRecordsetOpen) {
+TEST_P(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheRecordsetOpen) {
   std::shared_ptr<Recordset> rs;
   EXPECT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items order by ID",
                                   adOpenForwardOnly, adLockReadOnly));
@@ -54,7 +58,7 @@ TEST_F(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheReco
   EXPECT_TRUE(history_.empty());  // LogFileEntrySetting 0 passes nothing on
 }
 
-TEST_F(RecordAccessTest, FillRecordSetShowsItsFailures) {
+TEST_P(RecordAccessTest, FillRecordSetShowsItsFailures) {
   std::shared_ptr<Recordset> rs;
   EXPECT_FALSE(
       link_.FillRecordSet(pdsRawData, rs, "Select * from items", adOpenStatic, adLockReadOnly));
@@ -69,11 +73,11 @@ TEST_F(RecordAccessTest, FillRecordSetShowsItsFailures) {
   EXPECT_FALSE(
       link_.FillRecordSet(pdsmaindata, rs, "Select * from nowhere", adOpenStatic, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 1u);
-  EXPECT_NE(messages_.Texts()[0].find("no such table: nowhere"), std::string::npos);
+  EXPECT_NE(messages_.Texts()[0].find(Traits().MissingTable("nowhere")), std::string::npos);
   EXPECT_TRUE(history_.empty());  // a failure is not passed to the history
 }
 
-TEST_F(RecordAccessTest, FillRecordSetDropsAPendingNewRowBeforeReopening) {
+TEST_P(RecordAccessTest, FillRecordSetDropsAPendingNewRowBeforeReopening) {
   std::shared_ptr<Recordset> rs;
   ASSERT_TRUE(
       link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
@@ -87,7 +91,7 @@ TEST_F(RecordAccessTest, FillRecordSetDropsAPendingNewRowBeforeReopening) {
   EXPECT_EQ(CountRows("ID = 3"), 0);
 }
 
-TEST_F(RecordAccessTest, HistoryClassifiesStatementsByTheirFirstWord) {
+TEST_P(RecordAccessTest, HistoryClassifiesStatementsByTheirFirstWord) {
   struct Case {
     int32_t setting;
     std::string sql;
@@ -121,13 +125,13 @@ TEST_F(RecordAccessTest, HistoryClassifiesStatementsByTheirFirstWord) {
   EXPECT_EQ(CountRows("ID = 10 and Qty = 2"), 1);
 }
 
-TEST_F(RecordAccessTest, ExecuteSQLShowsItsFailuresAndStillReturnsTrue) {
+TEST_P(RecordAccessTest, ExecuteSQLShowsItsFailuresAndStillReturnsTrue) {
   link_.LogFileEntrySetting = lfetErrorMsgs;
   EXPECT_TRUE(link_.ExecuteSQL(pdsmaindata, "Update nowhere set x = 1"));
   ASSERT_EQ(messages_.Texts().size(), 1u);
   EXPECT_EQ(messages_.Texts()[0].rfind("Error executing sql : Update nowhere set x = 1\r\n", 0),
             0u);
-  EXPECT_NE(messages_.Texts()[0].find("no such table: nowhere"), std::string::npos);
+  EXPECT_NE(messages_.Texts()[0].find(Traits().MissingTable("nowhere")), std::string::npos);
   // The failure came before the statement was classified: the text is "".
   EXPECT_EQ(history_,
             (std::vector<std::pair<LogFileEntryTypes, std::string>>{{lfetErrorMsgs, ""}}));
@@ -141,7 +145,7 @@ TEST_F(RecordAccessTest, ExecuteSQLShowsItsFailuresAndStillReturnsTrue) {
   EXPECT_EQ(CountRows("1 = 1"), 2);  // nothing was executed
 }
 
-TEST_F(RecordAccessTest, IsValidRecordNeedsAnOpenRecordsetOnARow) {
+TEST_P(RecordAccessTest, IsValidRecordNeedsAnOpenRecordsetOnARow) {
   auto rs = std::make_shared<Recordset>();
   EXPECT_FALSE(link_.IsValidRecord(rs));  // closed
   EXPECT_FALSE(link_.IsValidRecord(nullptr));
@@ -159,7 +163,7 @@ TEST_F(RecordAccessTest, IsValidRecordNeedsAnOpenRecordsetOnARow) {
   link_.SafelyCloseRecordSet(nullptr);
 }
 
-TEST_F(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
+TEST_P(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
   std::shared_ptr<Recordset> rs;
   ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
                                   adLockOptimistic));
@@ -168,7 +172,7 @@ TEST_F(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
   EXPECT_EQ(CountRows("Name = 'one'"), 1);
 }
 
-TEST_F(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTheRest) {
+TEST_P(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTheRest) {
   std::shared_ptr<Recordset> rs;
   ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 2", adOpenStatic,
                                   adLockOptimistic));
@@ -182,7 +186,7 @@ TEST_F(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTh
   EXPECT_EQ(rs->EditMode(), adEditInProgress);  // written into the row, not updated
 }
 
-TEST_F(RecordAccessTest, AssignFieldValuesToAllRecsCommitsEachRowByMovingOn) {
+TEST_P(RecordAccessTest, AssignFieldValuesToAllRecsCommitsEachRowByMovingOn) {
   std::shared_ptr<Recordset> rs;
   ASSERT_TRUE(
       link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
@@ -191,7 +195,7 @@ TEST_F(RecordAccessTest, AssignFieldValuesToAllRecsCommitsEachRowByMovingOn) {
   EXPECT_EQ(CountRows("Qty = 7"), 2);
 }
 
-TEST_F(RecordAccessTest, InterpretRecordErrorStatusNamesTheFieldsOfAFailedUpdate) {
+TEST_P(RecordAccessTest, InterpretRecordErrorStatusNamesTheFieldsOfAFailedUpdate) {
   std::shared_ptr<Recordset> rs;
   ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
                                   adLockOptimistic));
@@ -203,7 +207,7 @@ TEST_F(RecordAccessTest, InterpretRecordErrorStatusNamesTheFieldsOfAFailedUpdate
     FAIL() << "the changed row should conflict";
   } catch (const Error& e) {
     EXPECT_EQ(link_.InterpretRecordErrorStatus(pdsmaindata, &e, rs),
-              "\r\nOffending Fields Qty ( 8 ) ");
+              "\r\nOffending Fields " + Traits().Name("Qty") + " ( 8 ) ");
   }
 }
 

@@ -186,6 +186,17 @@ int QueryCommand(const std::vector<std::string>& args, std::ostream& out) {
       request.sql_only = true;
     } else if (a == "--parameters") {
       request.show_parameters = true;
+    } else if (a == "--dialect") {
+      const std::string& v = value();
+      if (v == "access") {
+        request.dialect = sdbAccess;
+      } else if (v == "oracle") {
+        request.dialect = sdbOracle;
+      } else if (v == "sqlserver") {
+        request.dialect = sdbSQLServer;
+      } else {
+        throw CommandError("--dialect is access, oracle or sqlserver, not " + v);
+      }
     } else if (a == "--max-rows") {
       request.max_rows = Number(value(), "--max-rows");
     } else if (a == "--where") {
@@ -216,6 +227,7 @@ int QueryCommand(const std::vector<std::string>& args, std::ostream& out) {
   }
   if (!have_query) throw CommandError("--query ID is required");
   InfoLink link;
+  link.MainDBType = request.dialect;
   Connect(link, main_source, system_source);
   RunStoredQuery(link, request, out);
   return 0;

@@ -30,6 +30,9 @@ struct QueryRequest {
   };
   std::optional<Record> record;  // restrict the query to one record
   int32_t max_rows = -1;         // rows of the top level to print; -1 all
+  // The dialect the service object writes (MainDBType): Access by default,
+  // Oracle for a server that runs TO_Date and || (PostgreSQL among them).
+  StdDBTypes dialect = sdbAccess;
 };
 
 // RunStoredQuery loads the query through the active service object, does

@@ -32,6 +32,8 @@ constexpr const char* kUsage =
     "        --record T:E[:F]     restrict the level reading data table T to entry E\n"
     "                             of field F (an ID or a name; default ID)\n"
     "        --max-rows N         print at most N rows of the top level\n"
+    "        --dialect NAME       the SQL the conditions are written in: access\n"
+    "                             (default), oracle (PostgreSQL runs it), sqlserver\n"
     "  help\n"
     "      show this text\n";
 

@@ -6,11 +6,13 @@
 // of a location (CurrentMaxID or CurrentMaxIDDouble), the event raised to
 // the host, and the Long form of the max-collection mode.
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <type_traits>
 
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Messages.h"
+#include "kelvary/platform/drivers/Driver.h"
 #include "kelvary/service/InfoLink.h"
 
 namespace kelvary {
@@ -47,15 +49,21 @@ std::string KeyText(Key key) {
 // The location counter is advanced in one transaction with its read, so
 // that two processes asking at the same time never receive the same key.
 // On SQLite the transaction takes the write lock when it begins (BEGIN
-// IMMEDIATE), so the read cannot be overtaken by another writer. Without an
-// open connection there is nothing to lock: the reads then fail and report
-// as they always did.
+// IMMEDIATE), so the read cannot be overtaken by another writer. A server
+// locks rows, not the database, and only when they are written: there the
+// counter's row is first updated to itself (lock_sql), so that a second
+// process waits at that point until the first has committed, and then reads
+// the advanced counter. When that update finds no row, the read that
+// follows is not protected (ReadIsProtected). Without an open connection
+// there is nothing to lock: the reads then fail and report as they always
+// did.
 class CounterTransaction {
  public:
-  explicit CounterTransaction(const std::shared_ptr<Connection>& connection) {
+  CounterTransaction(const std::shared_ptr<Connection>& connection, const std::string& lock_sql) {
     if (connection && connection->State() == adStateOpen) {
       connection->BeginTrans();
       connection_ = connection;
+      if (connection->Driver().Name() != "SQLite") Lock(lock_sql);
     }
   }
   ~CounterTransaction() {
@@ -68,6 +76,11 @@ class CounterTransaction {
   CounterTransaction(const CounterTransaction&) = delete;
   CounterTransaction& operator=(const CounterTransaction&) = delete;
 
+  // ReadIsProtected: false when the counter's row could not be locked
+  // because there was none; a row read after that was created meanwhile by
+  // another process, unlocked.
+  bool ReadIsProtected() const { return protected_; }
+
   // Commit keeps the counter; a failed commit is rolled back by the
   // destructor and its error reaches the caller.
   void Commit() {
@@ -77,7 +90,21 @@ class CounterTransaction {
   }
 
  private:
+  // Lock: a lock that fails (no such table) leaves a clean transaction, so
+  // that the system's own read fails and reports in its own words.
+  void Lock(const std::string& lock_sql) {
+    try {
+      int32_t locked = 0;
+      connection_->Execute(lock_sql, locked);
+      protected_ = locked > 0;
+    } catch (const Error&) {
+      connection_->RollbackTrans();
+      connection_->BeginTrans();
+    }
+  }
+
   std::shared_ptr<Connection> connection_;
+  bool protected_ = true;
 };
 
 // FirstLetter: the first character of text (a whole UTF-8 sequence), in
@@ -289,37 +316,60 @@ Key InfoLink::NextLocationKey(const std::string& Table_Name,
       "Select * from LocationTableKeys where (DataTableID = " + std::to_string(table_id) +
       " )  and ( LocationID = " + std::to_string(location_id) + " ) ";
 
-  CounterTransaction transaction(sequence_generator_xion_);
-  std::shared_ptr<Recordset> rs;
-  Key count = 0;
-  if (FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
-    const Variant& stored = rs->Fields(counter).Value();
-    count = PlusOne(stored.IsNull() ? Key{0} : KeyOf<Key>(stored));
-  } else {
+  const std::string where = " where (DataTableID = " + std::to_string(table_id) +
+                            " )  and ( LocationID = " + std::to_string(location_id) + " ) ";
+  // One attempt; none when the location's row appeared after the lock was
+  // tried, so that its read was not protected.
+  const auto advance = [&]() -> std::optional<Key> {
+    CounterTransaction transaction(sequence_generator_xion_, "Update LocationTableKeys set " +
+                                                                 counter + " = " + counter + where);
+    std::shared_ptr<Recordset> rs;
+    Key count = 0;
+    if (FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
+      if (!transaction.ReadIsProtected()) {
+        SafelyCloseRecordSet(rs);
+        return std::nullopt;
+      }
+      const Variant& stored = rs->Fields(counter).Value();
+      count = PlusOne(stored.IsNull() ? Key{0} : KeyOf<Key>(stored));
+    } else {
+      SafelyCloseRecordSet(rs);
+      FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenStatic, adLockOptimistic);
+      rs->AddNew();
+      rs->Fields("DataTableId").Value(Variant(table_id));
+      rs->Fields("LocationID").Value(Variant(location_id));
+      rs->Fields(counter).Value(Variant(Key{1}));
+      rs->Update();
+      count = 1;
+    }
     SafelyCloseRecordSet(rs);
-    FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenStatic, adLockOptimistic);
-    rs->AddNew();
-    rs->Fields("DataTableId").Value(Variant(table_id));
-    rs->Fields("LocationID").Value(Variant(location_id));
-    rs->Fields(counter).Value(Variant(Key{1}));
-    rs->Update();
-    count = 1;
+    // A counter stored as Null or 0 gives 1 and is left as it is, so it gives
+    // 1 again next time: intended, a new row already holds 1.
+    if (count > 1) {
+      ExecuteSQL(pdsSequenceGenerator,
+                 "Update LocationTableKeys set " + counter + " = " + counter +
+                     " + 1 where (DataTableID = " + std::to_string(table_id) +
+                     " )  and ( LocationID = " + std::to_string(CurrentPhysicalLocationID) + " ) ");
+    }
+    transaction.Commit();
+    return count;
+  };
+  std::optional<Key> count;
+  for (int attempt = 1; !count; ++attempt) {
+    try {
+      count = advance();
+    } catch (const Error& e) {
+      // On a server two processes may both find no row for the location and
+      // both insert one: the second insert fails on the key once the first
+      // has committed, and reading again finds that row.
+      if (attempt > 2 || e.SqlState().rfind("23", 0) != 0) throw;
+    }
   }
-  SafelyCloseRecordSet(rs);
-  // A counter stored as Null or 0 gives 1 and is left as it is, so it gives
-  // 1 again next time: intended, a new row already holds 1.
-  if (count > 1) {
-    ExecuteSQL(pdsSequenceGenerator,
-               "Update LocationTableKeys set " + counter + " = " + counter +
-                   " + 1 where (DataTableID = " + std::to_string(table_id) +
-                   " )  and ( LocationID = " + std::to_string(CurrentPhysicalLocationID) + " ) ");
-  }
-  transaction.Commit();
 
   if (CurrPhysLocIDPrefix == 0) MsgBox("CurrPhysLocIDPrefix = 0 ");
   // The prefix's digits followed by the counter's: prefix 12, counter 345
   // give 12345.
-  return KeyOf<Key>(Variant(std::to_string(CurrPhysLocIDPrefix) + KeyText(count)));
+  return KeyOf<Key>(Variant(std::to_string(CurrPhysLocIDPrefix) + KeyText(*count)));
 }
 
 std::shared_ptr<Variant> InfoLink::TableKey(const std::string& Table_Name) {

@@ -1,0 +1,388 @@
+#include "support/Backend.h"
+
+#include <unistd.h>
+
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+#include "kelvary/platform/Error.h"
+#include "kelvary/platform/Recordset.h"
+#include "kelvary/platform/SqlScript.h"
+#include "support/TestDatabase.h"
+
+#ifdef KELVARY_HAVE_ODBC
+#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#endif
+
+namespace kelvary::testing {
+namespace {
+
+std::string Lowered(std::string_view s) {
+  std::string out(s);
+  for (char& c : out)
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return out;
+}
+
+std::string EnvOrEmpty(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+std::string ReadSqlFile(const std::string& file) {
+  std::ifstream in(file);
+  if (!in) in.open(std::string(KELVARY_DATA_DIR) + "/" + file);
+  if (!in) throw std::runtime_error("cannot read the SQL file " + file);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// Filled: text with every {table} and {column} replaced.
+std::string Filled(std::string text, const std::string& table, const std::string& column) {
+  for (const auto& [marker, name] :
+       {std::pair<std::string, const std::string&>{"{table}", table}, {"{column}", column}}) {
+    for (size_t at = text.find(marker); at != std::string::npos;
+         at = text.find(marker, at + name.size()))
+      text.replace(at, marker.size(), name);
+  }
+  return text;
+}
+
+std::shared_ptr<kelvary::Connection> OpenClient(const std::string& connection_string) {
+  auto connection = std::make_shared<kelvary::Connection>();
+  connection->CursorLocation(adUseClient);
+  connection->Open(connection_string);
+  return connection;
+}
+
+}  // namespace
+
+// --- traits -------------------------------------------------------------------
+
+std::string BackendTraits::Name(std::string_view written) const {
+  return lower_case_names ? Lowered(written) : std::string(written);
+}
+
+Variant BackendTraits::Count(int64_t n) const {
+  return count_type == adBigInt ? Variant(n) : Variant(static_cast<int32_t>(n));
+}
+
+std::string BackendTraits::MissingTable(const std::string& table) const {
+  return Filled(missing_table_text, Name(table), "");
+}
+
+std::string BackendTraits::NotNullFailed(const std::string& table,
+                                         const std::string& column) const {
+  return Filled(not_null_text, Name(table), Name(column));
+}
+
+std::string BackendTraits::SyncAutoKey(const std::string& table, const std::string& column) const {
+  return Filled(sync_auto_key_sql, Name(table), Name(column));
+}
+
+std::string Rows(const std::shared_ptr<kelvary::Connection>& connection, const std::string& sql) {
+  auto rs = std::make_shared<Recordset>();
+  rs->Open(sql, connection, adOpenStatic, adLockReadOnly);
+  std::string text;
+  for (bool first_row = true; !rs->Eof(); rs->MoveNext(), first_row = false) {
+    if (!first_row) text += ",";
+    for (int32_t c = 0; c < rs->FieldCount(); ++c)
+      text += (c == 0 ? "" : "|") + TextOf(rs->Fields(c).Value());
+  }
+  return text;
+}
+
+// --- databases ----------------------------------------------------------------
+
+class BackendDatabase::Impl {
+ public:
+  virtual ~Impl() = default;
+  virtual void Run(std::string_view sql) { ExecuteScript(*connection_, sql); }
+  std::shared_ptr<kelvary::Connection> Connect() const { return OpenClient(ConnectionString()); }
+  virtual std::string ConnectionString() const = 0;
+
+  std::shared_ptr<kelvary::Connection> connection_;
+  std::string data_source_;
+};
+
+BackendDatabase::BackendDatabase() = default;
+BackendDatabase::BackendDatabase(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+BackendDatabase::BackendDatabase(BackendDatabase&&) noexcept = default;
+BackendDatabase& BackendDatabase::operator=(BackendDatabase&&) noexcept = default;
+BackendDatabase::~BackendDatabase() = default;
+
+void BackendDatabase::Run(std::string_view sql) {
+  impl_->Run(sql);
+}
+
+void BackendDatabase::RunFile(const std::string& file) {
+  impl_->Run(ReadSqlFile(file));
+}
+
+const std::shared_ptr<kelvary::Connection>& BackendDatabase::Connection() const {
+  return impl_->connection_;
+}
+
+std::shared_ptr<kelvary::Connection> BackendDatabase::Connect() const {
+  return impl_->Connect();
+}
+
+const std::string& BackendDatabase::DataSource() const {
+  return impl_->data_source_;
+}
+
+std::string BackendDatabase::ConnectionString() const {
+  return impl_->ConnectionString();
+}
+
+std::string BackendDatabase::ShapeConnectionString() const {
+  return "Provider=MSDataShape.1;Persist Security Info=False;Data Source=" + DataSource() +
+         ";Data Provider=MSDASQL";
+}
+
+// --- SQLite -------------------------------------------------------------------
+
+namespace {
+
+class SqliteDatabase : public BackendDatabase::Impl {
+ public:
+  explicit SqliteDatabase(const std::string& file_name) : db_(file_name) {
+    connection_ = db_.Connection();
+    data_source_ = db_.Path();
+  }
+  std::string ConnectionString() const override { return db_.ConnectionString(); }
+
+ private:
+  TestDatabase db_;
+};
+
+class SqliteBackend : public Backend {
+ public:
+  const BackendTraits& Traits() const override { return traits_; }
+  std::string SkipReason() const override { return ""; }
+  BackendDatabase NewDatabase(const std::string& label) const override {
+    return BackendDatabase(std::make_unique<SqliteDatabase>(label));
+  }
+  std::string MissingDataSource() const override {
+    return (std::filesystem::temp_directory_path() / "kelvary-no-such-folder" / "absent.db")
+        .string();
+  }
+
+ private:
+  BackendTraits traits_{.name = "SQLite"};
+};
+
+// --- PostgreSQL through ODBC --------------------------------------------------
+
+constexpr const char* kNoServer =
+    "KELVARY_TEST_ODBC_DSN is not set, so there is no PostgreSQL test server: "
+    "eval \"$(scripts/pg-test-server.sh start)\" starts one";
+
+#ifdef KELVARY_HAVE_ODBC
+
+// PgPool: the slots of this process, taken on one control connection to the
+// data source KELVARY_TEST_ODBC_DSN. The connection lives as long as the
+// process (never freed on purpose: the server releases its locks when the
+// process ends, however it ends).
+class PgPool {
+ public:
+  static PgPool& Get() {
+    static PgPool* pool = new PgPool();
+    return *pool;
+  }
+
+  // Acquire: a free slot, its database created when it is not there yet.
+  int Acquire() {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
+    const int first = static_cast<int>(::getpid() % size_);
+    while (true) {
+      for (int i = 0; i < size_; ++i) {
+        const int slot = (first + i) % size_ + 1;
+        if (held_.count(slot) != 0) continue;
+        if (!CBool(Scalar("SELECT pg_try_advisory_lock(" + std::string(kLockClass) + ", " +
+                          std::to_string(slot) + ")"))) {
+          continue;
+        }
+        held_.insert(slot);
+        try {
+          const std::string name = DatabaseName(slot);
+          if (CLng(Scalar("SELECT count(*) FROM pg_database WHERE datname = '" + name + "'")) ==
+              0) {
+            control_->Run("CREATE DATABASE " + name + " TEMPLATE template0", {}, 0);
+          }
+        } catch (...) {
+          Release(slot);
+          throw;
+        }
+        return slot;
+      }
+      if (std::chrono::steady_clock::now() > deadline) {
+        throw std::runtime_error("all " + std::to_string(size_) +
+                                 " PostgreSQL test databases stayed busy for two minutes; "
+                                 "raise KELVARY_TEST_ODBC_POOL or run fewer tests at once");
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+  }
+
+  void Release(int slot) {
+    if (held_.erase(slot) == 0) return;
+    Scalar("SELECT pg_advisory_unlock(" + std::string(kLockClass) + ", " + std::to_string(slot) +
+           ")");
+  }
+
+  std::string Dsn(int slot) const { return dsn_ + "_" + std::to_string(slot); }
+  std::string DatabaseName(int slot) const { return database_ + "_" + std::to_string(slot); }
+
+ private:
+  static constexpr const char* kLockClass = "4731";
+
+  PgPool() : dsn_(EnvOrEmpty("KELVARY_TEST_ODBC_DSN")) {
+    const std::string size = EnvOrEmpty("KELVARY_TEST_ODBC_POOL");
+    size_ = std::atoi(size.c_str());
+    if (size_ <= 0) {
+      throw std::runtime_error(
+          "KELVARY_TEST_ODBC_POOL is not set: the shared suites need the pool of test data "
+          "sources " +
+          dsn_ + "_1, " + dsn_ + "_2, ... that scripts/pg-test-server.sh registers, and its size");
+    }
+    control_ = OpenOdbcConnection("DSN=" + dsn_, "", "");
+    database_ = CStr(Scalar("SELECT current_database()"));
+  }
+
+  Variant Scalar(const std::string& sql) {
+    const StatementResult r = control_->Run(sql, {}, 0);
+    if (!r.has_rows || r.rows.RowCount() == 0) throw std::runtime_error("no row from " + sql);
+    return r.rows.Cell(0, 0);
+  }
+
+  std::string dsn_;
+  std::string database_;
+  int size_ = 0;
+  std::unique_ptr<DriverConnection> control_;
+  std::set<int> held_;
+};
+
+class PostgresDatabase : public BackendDatabase::Impl {
+ public:
+  PostgresDatabase() : slot_(PgPool::Get().Acquire()) {
+    data_source_ = PgPool::Get().Dsn(slot_);
+    try {
+      connection_ = OpenClient(ConnectionString());
+      // Empty: whatever the slot's last test made lives in the public schema.
+      // Four times faster than dropping and creating the database.
+      connection_->Execute("DROP SCHEMA IF EXISTS public CASCADE");
+      connection_->Execute("CREATE SCHEMA public");
+      const std::string name =
+          CStr(connection_->Execute("SELECT current_database()")->Fields(0).Value());
+      if (name != PgPool::Get().DatabaseName(slot_)) {
+        throw std::runtime_error("the data source " + data_source_ + " names the database " + name +
+                                 ", not " + PgPool::Get().DatabaseName(slot_));
+      }
+    } catch (...) {
+      PgPool::Get().Release(slot_);
+      throw;
+    }
+  }
+  ~PostgresDatabase() override {
+    try {
+      if (connection_ && connection_->State() == adStateOpen) connection_->Close();
+      PgPool::Get().Release(slot_);
+    } catch (const std::exception& e) {
+      ADD_FAILURE() << "giving back " << data_source_ << ": " << e.what();
+    }
+  }
+  std::string ConnectionString() const override { return "DSN=" + data_source_; }
+
+ private:
+  int slot_;
+};
+
+#endif
+
+class PostgresBackend : public Backend {
+ public:
+  const BackendTraits& Traits() const override { return traits_; }
+  std::string SkipReason() const override {
+    if (EnvOrEmpty("KELVARY_TEST_ODBC_DSN").empty()) return kNoServer;
+#ifndef KELVARY_HAVE_ODBC
+    return "the library was built without ODBC (unixODBC's headers were not found)";
+#else
+    return "";
+#endif
+  }
+  BackendDatabase NewDatabase(const std::string&) const override {
+#ifdef KELVARY_HAVE_ODBC
+    return BackendDatabase(std::make_unique<PostgresDatabase>());
+#else
+    throw std::runtime_error(SkipReason());
+#endif
+  }
+  std::string MissingDataSource() const override {
+    return "kelvary_no_such_source";
+  }
+
+ private:
+  BackendTraits traits_{.name = "PostgreSQL",
+                        .main_db_type = sdbOracle,
+                        .lower_case_names = true,
+                        .bare_messages = false,
+                        .desktop_like = false,
+                        .loose_types = false,
+                        .auto_key = "SERIAL PRIMARY KEY",
+                        .datetime_type = "TIMESTAMP",
+                        .count_type = adBigInt,
+                        .typed_aggregates = true,
+                        .keeps_table_order = false,
+                        .missing_table_text = "relation \"{table}\" does not exist",
+                        .not_null_text =
+                            "null value in column \"{column}\" of relation "
+                            "\"{table}\" violates not-null constraint",
+                        .sync_auto_key_sql =
+                            "SELECT setval(pg_get_serial_sequence('{table}', '{column}'), "
+                            "(SELECT max({column}) FROM {table}))"};
+};
+
+}  // namespace
+
+const std::vector<const Backend*>& Backends() {
+  static const SqliteBackend sqlite;
+  static const PostgresBackend postgres;
+  static const std::vector<const Backend*> all = {&sqlite, &postgres};
+  return all;
+}
+
+void BackendTest::SetUp() {
+  const std::string why = TheBackend().SkipReason();
+  if (!why.empty()) GTEST_SKIP() << why;
+}
+
+bool BackendTest::Supports(bool has, std::string_view reason) const {
+  if (!has) std::cout << "[  LEFT OUT ] on " << Traits().name << ": " << reason << "\n";
+  return has;
+}
+
+std::string BackendName(const ::testing::TestParamInfo<const Backend*>& info) {
+  return info.param->Traits().name;
+}
+
+void PrintTo(const Backend* backend, std::ostream* out) {
+  *out << backend->Traits().name;
+}
+
+::testing::Matcher<const std::string&> BackendTest::EngineMessage(const std::string& message,
+                                                                  const std::string& prefix) const {
+  if (Traits().bare_messages) return ::testing::Eq(prefix + message);
+  return ::testing::AllOf(::testing::StartsWith(prefix), ::testing::HasSubstr(message));
+}
+
+}  // namespace kelvary::testing
