@@ -137,12 +137,6 @@ TEST_F(Command, MultiLevelResultsPrintAsATree) {
   BuildDemo();
   const CliRun tree = Query({"--query", "4", "--record", "1:1"});
   EXPECT_THAT(tree.out, HasSubstr(" SHAPE { Select LastName,FirstName,ID From patients  Where"));
-  if (tree.exit_code != 0 && tree.err.find("data-shaping layer") != std::string::npos) {
-    // A build without the shaping layer: the statement, then one line.
-    EXPECT_EQ(Lines(tree.err), 1u);
-    EXPECT_THAT(tree.err, HasSubstr("kelvary: cannot open the statement: "));
-    GTEST_SKIP() << "no data-shaping layer in this build";
-  }
   EXPECT_EQ(tree.exit_code, 0) << tree.err;
   EXPECT_THAT(tree.out, HasSubstr("\n      Visits:\n"));
   EXPECT_THAT(tree.out, HasSubstr("\n          Invoices:\n"));

@@ -1,4 +1,5 @@
 #include "kelvary/platform/KeyedCollection.h"
+#include "support/ErrorNumber.h"
 
 #include <gtest/gtest.h>
 
@@ -12,14 +13,7 @@ struct Item {
   int value;
 };
 
-int32_t ErrorNumberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 TEST(KeyedCollection, PositionsAreOneBasedInInsertionOrderAndRemoveClosesTheGap) {
   KeyedCollection<Item> c;

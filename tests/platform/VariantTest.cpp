@@ -5,18 +5,12 @@
 #include <limits>
 
 #include "kelvary/platform/Error.h"
+#include "support/ErrorNumber.h"
 
 namespace kelvary {
 namespace {
 
-int32_t ErrorNumberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 TEST(Variant, EmptyAndNullAreDifferentKinds) {
   Variant empty;

@@ -8,20 +8,14 @@
 #include <tuple>
 
 #include "kelvary/querymodel/QueryModel.h"
+#include "support/ErrorNumber.h"
 
 namespace kelvary {
 namespace {
 
 using std::string;
 
-int32_t ErrorNumberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 struct HostObject : Object {};
 

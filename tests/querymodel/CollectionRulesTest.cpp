@@ -7,18 +7,12 @@
 #include <vector>
 
 #include "kelvary/querymodel/QueryModel.h"
+#include "support/ErrorNumber.h"
 
 namespace kelvary {
 namespace {
 
-int32_t ErrorNumberOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 // clang-format off
 struct FieldLinksT { using C = FieldLinks;
