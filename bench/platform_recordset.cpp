@@ -241,8 +241,8 @@ void BM_PointLookup(benchmark::State& state) {
   std::uniform_int_distribution<int> id(1, 100);
   for (auto _ : state) {
     auto rs = std::make_shared<Recordset>();
-    rs->Open("Select  Name , ID from Small  where  ID = " + std::to_string(id(random)),
-             connection, kelvary::adOpenForwardOnly, kelvary::adLockReadOnly);
+    rs->Open("Select  Name , ID from Small  where  ID = " + std::to_string(id(random)), connection,
+             kelvary::adOpenForwardOnly, kelvary::adLockReadOnly);
     benchmark::DoNotOptimize(kelvary::TextOf(rs->Fields("Name").Value()));
     rs->Close();
   }

@@ -17,7 +17,8 @@ using testing::ErrorNumberOf;
 
 TEST(KeyedCollection, PositionsAreOneBasedInInsertionOrderAndRemoveClosesTheGap) {
   KeyedCollection<Item> c;
-  for (int i = 1; i <= 4; ++i) c.Add(std::make_shared<Item>(i * 10), "k" + std::to_string(i));
+  for (int i = 1; i <= 4; ++i)
+    c.Add(std::make_shared<Item>(i * 10), "k" + std::to_string(i));
   ASSERT_EQ(c.Count(), 4);
   EXPECT_EQ(c.Item(1)->value, 10);
   EXPECT_EQ(c.Item(4)->value, 40);
@@ -49,9 +50,9 @@ TEST(KeyedCollection, KeysAreOptionalUniqueAndCaseInsensitive) {
 TEST(KeyedCollection, AbsentPositionsAndKeysRaiseInvalidArgument) {
   KeyedCollection<Item> c;
   c.Add(std::make_shared<Item>(1), "a");
-  for (auto f : std::vector<std::function<void()>>{
-           [&] { c.Item(0); }, [&] { c.Item(2); }, [&] { c.Item("b"); }, [&] { c.Remove(5); },
-           [&] { c.Remove("zz"); }}) {
+  for (auto f : std::vector<std::function<void()>>{[&] { c.Item(0); }, [&] { c.Item(2); },
+                                                   [&] { c.Item("b"); }, [&] { c.Remove(5); },
+                                                   [&] { c.Remove("zz"); }}) {
     EXPECT_EQ(ErrorNumberOf(f), kErrInvalidProcedureCall);
   }
   EXPECT_EQ(ErrorNumberOf([&] { c.Item(Variant()); }), kErrTypeMismatch);
@@ -77,9 +78,11 @@ TEST(KeyedCollection, ClearRemovesFromTheFrontAndIterationFollowsOrder) {
   };
   std::vector<int> released;
   KeyedCollection<Tracked> c;
-  for (int i = 1; i <= 3; ++i) c.Add(std::make_shared<Tracked>(&released, i));
+  for (int i = 1; i <= 3; ++i)
+    c.Add(std::make_shared<Tracked>(&released, i));
   std::vector<int> seen;
-  for (const auto& member : c) seen.push_back(member->id);
+  for (const auto& member : c)
+    seen.push_back(member->id);
   EXPECT_EQ(seen, (std::vector<int>{1, 2, 3}));
   c.Clear();
   EXPECT_EQ(c.Count(), 0);

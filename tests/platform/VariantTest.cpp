@@ -141,7 +141,7 @@ TEST(Variant, IsNumericAcceptsNumbersBooleansAndNumericText) {
 TEST(Variant, CompareValuesOrdersByValueAcrossKinds) {
   EXPECT_EQ(CompareValues(Variant(2), Variant(10.0)), -1);
   EXPECT_EQ(CompareValues(Variant(int64_t{10}), Variant("10")), 0);  // text that reads as a number
-  EXPECT_EQ(CompareValues(Variant("abc"), Variant("ABD")), -1);     // text without case
+  EXPECT_EQ(CompareValues(Variant("abc"), Variant("ABD")), -1);      // text without case
   EXPECT_EQ(CompareValues(Variant("Smith"), Variant("smith")), 0);
   EXPECT_EQ(CompareValues(Variant(DateSerial(2024, 3, 5)), Variant("2024-03-05")), 0);
   EXPECT_EQ(CompareValues(Variant::Null(), Variant(0)), -1);

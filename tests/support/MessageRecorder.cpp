@@ -15,11 +15,14 @@ MessageRecorder::MessageRecorder() {
       });
 }
 
-MessageRecorder::~MessageRecorder() { SetMessageHandler(std::move(previous_)); }
+MessageRecorder::~MessageRecorder() {
+  SetMessageHandler(std::move(previous_));
+}
 
 std::vector<std::string> MessageRecorder::Texts() const {
   std::vector<std::string> texts;
-  for (const auto& m : messages_) texts.push_back(m.text);
+  for (const auto& m : messages_)
+    texts.push_back(m.text);
   return texts;
 }
 

@@ -51,7 +51,8 @@ void RecordingListControl::Visible(bool visible) {
 
 std::vector<std::string> RecordingListControl::ItemTexts() const {
   std::vector<std::string> texts;
-  for (const auto& item : items_) texts.push_back(item.text);
+  for (const auto& item : items_)
+    texts.push_back(item.text);
   return texts;
 }
 

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "kelvary/lookups/LookupQuery.h"
-#include "kelvary/service/InfoLink.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/service/InfoLink.h"
 
 namespace kelvary {
 namespace {

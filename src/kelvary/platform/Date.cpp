@@ -129,7 +129,8 @@ class Scanner {
 
   bool AtEnd() const { return pos_ >= text_.size(); }
   void SkipBlanks() {
-    while (!AtEnd() && text_[pos_] == ' ') ++pos_;
+    while (!AtEnd() && text_[pos_] == ' ')
+      ++pos_;
   }
   bool Eat(char c) {
     if (!AtEnd() && text_[pos_] == c) {
@@ -232,7 +233,8 @@ std::optional<int> MonthFromName(const std::string& word) {
   if (word.size() < 3) return std::nullopt;
   for (int i = 0; i < 12; ++i) {
     std::string name = kMonthNames[i];
-    for (auto& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (auto& c : name)
+      c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     if (word == name || word == name.substr(0, 3)) return i + 1;
   }
   return std::nullopt;
@@ -268,7 +270,8 @@ Date DateSerial(int year, int month, int day) {
 Date TimeSerial(int hour, int minute, int second) {
   const int64_t total = static_cast<int64_t>(hour) * 3600 + static_cast<int64_t>(minute) * 60 +
                         static_cast<int64_t>(second);
-  const int64_t day = total >= 0 ? total / kSecondsPerDay : -((kSecondsPerDay - 1 - total) / kSecondsPerDay);
+  const int64_t day =
+      total >= 0 ? total / kSecondsPerDay : -((kSecondsPerDay - 1 - total) / kSecondsPerDay);
   const int64_t rest = total - day * kSecondsPerDay;
   return Join(day, static_cast<double>(rest) / kSecondsPerDay);
 }
@@ -277,19 +280,34 @@ Date DateTimeOf(int year, int month, int day, int hour, int minute, int second) 
   const Date d = DateSerial(year, month, day);
   const int64_t total = static_cast<int64_t>(hour) * 3600 + static_cast<int64_t>(minute) * 60 +
                         static_cast<int64_t>(second);
-  int64_t extra_days = total >= 0 ? total / kSecondsPerDay : -((kSecondsPerDay - 1 - total) / kSecondsPerDay);
+  int64_t extra_days =
+      total >= 0 ? total / kSecondsPerDay : -((kSecondsPerDay - 1 - total) / kSecondsPerDay);
   const int64_t rest = total - extra_days * kSecondsPerDay;
   return Join(static_cast<int64_t>(d.Serial()) + extra_days,
               static_cast<double>(rest) / kSecondsPerDay);
 }
 
-int Year(Date d) { return CivilFromDays(Split(d).day + kEpochOffset).year; }
-int Month(Date d) { return CivilFromDays(Split(d).day + kEpochOffset).month; }
-int Day(Date d) { return CivilFromDays(Split(d).day + kEpochOffset).day; }
-int Hour(Date d) { return static_cast<int>(Split(d).seconds / 3600); }
-int Minute(Date d) { return static_cast<int>(Split(d).seconds / 60 % 60); }
-int Second(Date d) { return static_cast<int>(Split(d).seconds % 60); }
-bool HasTime(Date d) { return Split(d).seconds != 0; }
+int Year(Date d) {
+  return CivilFromDays(Split(d).day + kEpochOffset).year;
+}
+int Month(Date d) {
+  return CivilFromDays(Split(d).day + kEpochOffset).month;
+}
+int Day(Date d) {
+  return CivilFromDays(Split(d).day + kEpochOffset).day;
+}
+int Hour(Date d) {
+  return static_cast<int>(Split(d).seconds / 3600);
+}
+int Minute(Date d) {
+  return static_cast<int>(Split(d).seconds / 60 % 60);
+}
+int Second(Date d) {
+  return static_cast<int>(Split(d).seconds % 60);
+}
+bool HasTime(Date d) {
+  return Split(d).seconds != 0;
+}
 
 int Weekday(Date d) {
   // 30 December 1899 was a Saturday (7).
@@ -297,7 +315,9 @@ int Weekday(Date d) {
   return static_cast<int>(((day + 6) % 7 + 7) % 7) + 1;
 }
 
-Date DateOnly(Date d) { return DateSerial(Year(d), Month(d), Day(d)); }
+Date DateOnly(Date d) {
+  return DateSerial(Year(d), Month(d), Day(d));
+}
 
 Date AddDays(Date d, int days) {
   const Parts p = Split(d);
@@ -322,7 +342,9 @@ Date Now() {
   return clock ? clock() : SystemNow();
 }
 
-Date Today() { return DateOnly(Now()); }
+Date Today() {
+  return DateOnly(Now());
+}
 
 std::string Format(Date d, std::string_view picture) {
   const Parts p = Split(d);
@@ -408,7 +430,8 @@ std::string FormatNumber(double value, std::string_view picture) {
   const std::string_view decimal_part =
       point == std::string_view::npos ? std::string_view() : picture.substr(point + 1);
   int min_digits = 0;
-  for (char c : whole_part) min_digits += c == '0';
+  for (char c : whole_part)
+    min_digits += c == '0';
   int decimals = 0;
   int min_decimals = 0;
   for (char c : decimal_part) {
@@ -424,11 +447,13 @@ std::string FormatNumber(double value, std::string_view picture) {
       static_cast<unsigned long long>(units - static_cast<long double>(whole) * scale);
   std::string digits = std::to_string(whole);
   if (whole == 0 && min_digits == 0) digits.clear();
-  while (static_cast<int>(digits.size()) < min_digits) digits.insert(digits.begin(), '0');
+  while (static_cast<int>(digits.size()) < min_digits)
+    digits.insert(digits.begin(), '0');
   std::string out = negative ? "-" + digits : digits;
   if (decimals > 0) {
     std::string frac = Pad(static_cast<int>(fraction), decimals);
-    while (static_cast<int>(frac.size()) > min_decimals && frac.back() == '0') frac.pop_back();
+    while (static_cast<int>(frac.size()) > min_decimals && frac.back() == '0')
+      frac.pop_back();
     if (!frac.empty() || point != std::string_view::npos) {
       if (!frac.empty()) out += "." + frac;
     }
@@ -437,8 +462,10 @@ std::string FormatNumber(double value, std::string_view picture) {
 }
 
 std::optional<Date> ParseDate(std::string_view text) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  while (!text.empty() && text.front() == ' ')
+    text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ')
+    text.remove_suffix(1);
   if (text.empty()) return std::nullopt;
   // The stored form, yyyy-mm-dd, read without the scanner: databases hand
   // over dates in it row after row.

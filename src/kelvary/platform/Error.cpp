@@ -31,6 +31,8 @@ Error& Error::AddContext(const std::string& context) {
   return *this;
 }
 
-void Error::Refresh() { static_cast<std::runtime_error&>(*this) = std::runtime_error(description_); }
+void Error::Refresh() {
+  static_cast<std::runtime_error&>(*this) = std::runtime_error(description_);
+}
 
 }  // namespace kelvary

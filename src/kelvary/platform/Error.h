@@ -26,16 +26,16 @@ enum ErrorNumbers : int32_t {
   kErrObjectDoesntSupportMember = 438,  // an object used where its value is needed
   kErrKeyAlreadyAssociated = 457,
   // Data-access errors (the classic cursor library's numbers).
-  kErrProviderFailure = 3000,      // the provider or driver reported a failure
-  kErrItemNotFound = 3265,         // no field with that name or ordinal
-  kErrNoCurrentRecord = 3021,      // BOF or EOF, or the current row was deleted
+  kErrProviderFailure = 3000,  // the provider or driver reported a failure
+  kErrItemNotFound = 3265,     // no field with that name or ordinal
+  kErrNoCurrentRecord = 3021,  // BOF or EOF, or the current row was deleted
   kErrOperationNotSupported = 3251,
-  kErrObjectClosed = 3704,         // operation needs an open object
-  kErrObjectOpen = 3705,           // operation needs a closed object
-  kErrProviderNotFound = 3706,     // no driver for the connection string
-  kErrRowChanged = 3640,           // the row to update or delete no longer matches
-  kErrInvalidArgument = 3001,      // arguments of the wrong type or out of range
-  kErrBadCriteria = 3002,          // Find or Filter criteria that cannot be read
+  kErrObjectClosed = 3704,      // operation needs an open object
+  kErrObjectOpen = 3705,        // operation needs a closed object
+  kErrProviderNotFound = 3706,  // no driver for the connection string
+  kErrRowChanged = 3640,        // the row to update or delete no longer matches
+  kErrInvalidArgument = 3001,   // arguments of the wrong type or out of range
+  kErrBadCriteria = 3002,       // Find or Filter criteria that cannot be read
 };
 
 class Error : public std::runtime_error {

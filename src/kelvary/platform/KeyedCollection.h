@@ -27,7 +27,9 @@
 namespace kelvary {
 
 namespace internal {
-inline std::string FoldKey(std::string_view key) { return LowerCase(key); }
+inline std::string FoldKey(std::string_view key) {
+  return LowerCase(key);
+}
 [[noreturn]] inline void ThrowAbsentMember() {
   throw Error(kErrInvalidProcedureCall, "Invalid procedure call or argument");
 }
@@ -45,7 +47,6 @@ class KeyedCollection {
   };
 
  public:
-
   // Add appends item; with a non-empty key it is reachable by that key too.
   // REQUIRES: no member already has the key (compared without case).
   void Add(Member item, std::string_view key = {}) {
@@ -126,7 +127,8 @@ class KeyedCollection {
   // Clear removes position 1 while there are members: members leave from
   // the front, so they are released in insertion order.
   void Clear() {
-    while (Count() >= 1) Remove(1);
+    while (Count() >= 1)
+      Remove(1);
   }
 
   // Iteration over the members in order (NewEnum).

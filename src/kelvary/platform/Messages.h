@@ -29,8 +29,8 @@ enum MsgBoxResult : int {
 MsgBoxResult MsgBox(const std::string& text, MsgBoxStyle buttons = vbOKOnly,
                     const std::string& title = "");
 
-using MessageHandler =
-    std::function<MsgBoxResult(const std::string& text, MsgBoxStyle buttons, const std::string& title)>;
+using MessageHandler = std::function<MsgBoxResult(const std::string& text, MsgBoxStyle buttons,
+                                                  const std::string& title)>;
 
 // SetMessageHandler installs handler for the whole process and returns the
 // previous one; an empty handler restores the default.

@@ -15,13 +15,21 @@
 namespace kelvary {
 namespace {
 
-[[noreturn]] void ThrowTypeMismatch() { throw Error(kErrTypeMismatch, "Type mismatch"); }
-[[noreturn]] void ThrowOverflow() { throw Error(kErrOverflow, "Overflow"); }
-[[noreturn]] void ThrowInvalidNull() { throw Error(kErrInvalidUseOfNull, "Invalid use of Null"); }
+[[noreturn]] void ThrowTypeMismatch() {
+  throw Error(kErrTypeMismatch, "Type mismatch");
+}
+[[noreturn]] void ThrowOverflow() {
+  throw Error(kErrOverflow, "Overflow");
+}
+[[noreturn]] void ThrowInvalidNull() {
+  throw Error(kErrInvalidUseOfNull, "Invalid use of Null");
+}
 
 std::string_view Trim(std::string_view s) {
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
+    s.remove_prefix(1);
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
+    s.remove_suffix(1);
   return s;
 }
 
@@ -35,8 +43,8 @@ std::optional<double> ParseNumber(std::string_view text) {
     for (char c : text.substr(2)) {
       if (!std::isxdigit(static_cast<unsigned char>(c))) return std::nullopt;
       value = value * 16 + (std::isdigit(static_cast<unsigned char>(c))
-                                 ? c - '0'
-                                 : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10);
+                                ? c - '0'
+                                : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10);
       if (value > 0xFFFFFFFFLL) return std::nullopt;
     }
     return static_cast<double>(value);
@@ -122,9 +130,9 @@ Currency Currency::FromDouble(double value) {
 }
 
 VariantType Variant::Type() const {
-  static constexpr VariantType kTypes[] = {vbEmpty,  vbNull,   vbBoolean,  vbInteger,
-                                           vbLong,   vbLongLong, vbSingle, vbDouble,
-                                           vbCurrency, vbDate, vbString,  vbObject};
+  static constexpr VariantType kTypes[] = {vbEmpty,    vbNull,     vbBoolean, vbInteger,
+                                           vbLong,     vbLongLong, vbSingle,  vbDouble,
+                                           vbCurrency, vbDate,     vbString,  vbObject};
   return kTypes[value_.index()];
 }
 
@@ -173,7 +181,8 @@ std::string NumberText(double value) {
   for (char c : mantissa) {
     if (c != '.') digits += c;
   }
-  while (digits.size() > 1 && digits.back() == '0') digits.pop_back();
+  while (digits.size() > 1 && digits.back() == '0')
+    digits.pop_back();
   std::string out;
   if (exponent >= 15 || exponent < -6) {
     out = digits.substr(0, 1);
@@ -227,7 +236,8 @@ std::string CStr(const Variant& v) {
           scaled < 0 ? 0 - static_cast<uint64_t>(scaled) : static_cast<uint64_t>(scaled);
       std::string out = std::to_string(magnitude / 10000);
       std::string fraction = std::to_string(magnitude % 10000 + 10000).substr(1);
-      while (!fraction.empty() && fraction.back() == '0') fraction.pop_back();
+      while (!fraction.empty() && fraction.back() == '0')
+        fraction.pop_back();
       if (!fraction.empty()) out += "." + fraction;
       return scaled < 0 ? "-" + out : out;
     }
@@ -241,11 +251,19 @@ std::string CStr(const Variant& v) {
   }
 }
 
-int16_t CInt(const Variant& v) { return ToInteger<int16_t>(v); }
-int32_t CLng(const Variant& v) { return ToInteger<int32_t>(v); }
-int64_t CLngLng(const Variant& v) { return ToInteger<int64_t>(v); }
+int16_t CInt(const Variant& v) {
+  return ToInteger<int16_t>(v);
+}
+int32_t CLng(const Variant& v) {
+  return ToInteger<int32_t>(v);
+}
+int64_t CLngLng(const Variant& v) {
+  return ToInteger<int64_t>(v);
+}
 
-double CDbl(const Variant& v) { return NumericValue(v); }
+double CDbl(const Variant& v) {
+  return NumericValue(v);
+}
 
 float CSng(const Variant& v) {
   const double d = CDbl(v);
@@ -340,10 +358,10 @@ int CompareValues(const Variant& a, const Variant& b) {
   // case-blind comparisons are (and without a locale look-up per
   // character: criteria compare row by row).
   std::string a_text, b_text;
-  const std::string_view ta = a.IsString() ? std::string_view(*a.Get<std::string>())
-                                           : std::string_view(a_text = CStr(a));
-  const std::string_view tb = b.IsString() ? std::string_view(*b.Get<std::string>())
-                                           : std::string_view(b_text = CStr(b));
+  const std::string_view ta =
+      a.IsString() ? std::string_view(*a.Get<std::string>()) : std::string_view(a_text = CStr(a));
+  const std::string_view tb =
+      b.IsString() ? std::string_view(*b.Get<std::string>()) : std::string_view(b_text = CStr(b));
   auto fold = [](char c) {
     const auto u = static_cast<unsigned char>(c);
     return (u >= 'A' && u <= 'Z') ? u + ('a' - 'A') : static_cast<int>(u);
@@ -372,6 +390,8 @@ std::ostream& operator<<(std::ostream& os, const Variant& v) {
   }
 }
 
-void PrintTo(const Variant& v, std::ostream* os) { *os << v; }
+void PrintTo(const Variant& v, std::ostream* os) {
+  *os << v;
+}
 
 }  // namespace kelvary

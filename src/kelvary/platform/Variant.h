@@ -78,8 +78,9 @@ class Variant {
   Variant(const char* value) : value_(std::string(value)) {}
   Variant(std::shared_ptr<Object> value) : value_(std::move(value)) {}
   template <class T>
-    requires(std::is_base_of_v<Object, T> && !std::is_same_v<T, Object>)
-  Variant(std::shared_ptr<T> value) : value_(std::shared_ptr<Object>(std::move(value))) {}
+  requires(std::is_base_of_v<Object, T> && !std::is_same_v<T, Object>)
+      Variant(std::shared_ptr<T> value)
+      : value_(std::shared_ptr<Object>(std::move(value))) {}
 
   static Variant Null() {
     Variant v;

@@ -4,8 +4,8 @@
 #include <exception>
 
 #include "kelvary/platform/Messages.h"
-#include "kelvary/service/InfoLink.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/service/InfoLink.h"
 
 namespace kelvary {
 namespace {

@@ -52,9 +52,9 @@ struct RowSet {
 
 // StatementResult: what one statement produced.
 struct StatementResult {
-  bool has_rows = false;         // the statement returns rows (perhaps none)
-  RowSet rows;                   // filled when has_rows
-  int64_t records_affected = -1; // rows changed by INSERT, UPDATE or DELETE
+  bool has_rows = false;          // the statement returns rows (perhaps none)
+  RowSet rows;                    // filled when has_rows
+  int64_t records_affected = -1;  // rows changed by INSERT, UPDATE or DELETE
 };
 
 class DriverConnection {

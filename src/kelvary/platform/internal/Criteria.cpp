@@ -5,8 +5,8 @@
 
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Error.h"
-#include "kelvary/platform/internal/LikePattern.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/internal/LikePattern.h"
 
 namespace kelvary::internal {
 namespace {

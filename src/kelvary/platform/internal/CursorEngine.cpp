@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "kelvary/platform/Connection.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/Criteria.h"
 #include "kelvary/platform/shape/ShapeProvider.h"
-#include "kelvary/platform/Text.h"
 
 namespace kelvary::internal {
 namespace {

@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcApi.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcConnection.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcParameters.h"
 #include "kelvary/platform/drivers/odbc/internal/OdbcResult.h"
-#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
@@ -377,8 +377,8 @@ Variant OdbcConnection::LastInsertedKey(const std::string& table, const std::str
   // The sequence behind a serial or identity column. pg_get_serial_sequence
   // folds the table name as SQL does but takes the column name literally.
   const TableName column = ParseTableName(key_column);
-  const std::vector<Variant> params = {Variant(table),
-                                       Variant(column.quoted ? column.table : LowerCase(column.table))};
+  const std::vector<Variant> params = {
+      Variant(table), Variant(column.quoted ? column.table : LowerCase(column.table))};
   const std::string sql = "SELECT currval(pg_get_serial_sequence(?, ?))";
   // currval fails when this session never drew from the sequence; inside a
   // transaction that failure would abort the caller's work, so it is fenced.

@@ -10,9 +10,9 @@
 #include <unordered_map>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
 #include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
-#include "kelvary/platform/Text.h"
 
 namespace kelvary::sqlite {
 namespace {
