@@ -9,28 +9,6 @@ namespace kelvary::cli {
 
 namespace {
 
-bool IsNumeric(DataTypeEnum type) {
-  switch (type) {
-    case adSmallInt:
-    case adInteger:
-    case adSingle:
-    case adDouble:
-    case adCurrency:
-    case adDecimal:
-    case adTinyInt:
-    case adUnsignedTinyInt:
-    case adUnsignedSmallInt:
-    case adUnsignedInt:
-    case adBigInt:
-    case adUnsignedBigInt:
-    case adNumeric:
-    case adVarNumeric:
-      return true;
-    default:
-      return false;
-  }
-}
-
 struct Row {
   std::vector<std::string> cells;
   std::vector<std::pair<std::string, std::shared_ptr<Recordset>>> chapters;
@@ -47,7 +25,7 @@ void PrintLevel(std::ostream& out, Recordset& rs, const PrintOptions& options, i
   std::vector<bool> right;
   for (int32_t c : columns) {
     widths.push_back(rs.Fields(c).Name().size());
-    right.push_back(IsNumeric(rs.Fields(c).Type()));
+    right.push_back(IsNumericType(rs.Fields(c).Type()));
   }
 
   const int32_t total = rs.RecordCount();

@@ -99,6 +99,30 @@ enum DataTypeEnum : int32_t {
   adLongVarBinary = 205,
 };
 
+// True for the field types that hold numbers (integers of every width,
+// floating point, currency and the decimal kinds).
+constexpr bool IsNumericType(DataTypeEnum type) {
+  switch (type) {
+    case adSmallInt:
+    case adInteger:
+    case adSingle:
+    case adDouble:
+    case adCurrency:
+    case adDecimal:
+    case adTinyInt:
+    case adUnsignedTinyInt:
+    case adUnsignedSmallInt:
+    case adUnsignedInt:
+    case adBigInt:
+    case adUnsignedBigInt:
+    case adNumeric:
+    case adVarNumeric:
+      return true;
+    default:
+      return false;
+  }
+}
+
 // Field status codes.
 enum FieldStatusEnum : int32_t {
   adFieldOK = 0,

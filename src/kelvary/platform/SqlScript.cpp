@@ -4,17 +4,10 @@
 
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
-
-std::string Trimmed(std::string_view s) {
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
-    s.remove_prefix(1);
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
-    s.remove_suffix(1);
-  return std::string(s);
-}
 
 // Words: the upper-cased words of a statement, up to limit of them.
 std::vector<std::string> LeadingWords(std::string_view statement, size_t limit) {
@@ -62,7 +55,7 @@ std::vector<std::string> SplitSqlScript(std::string_view sql) {
   std::string current;
   size_t i = 0;
   auto finish = [&]() {
-    std::string statement = Trimmed(current);
+    std::string statement(TrimSpace(current));
     if (!statement.empty()) statements.push_back(std::move(statement));
     current.clear();
   };

@@ -34,6 +34,24 @@ inline std::string LowerCase(std::string_view text) {
   return out;
 }
 
+// TrimBlanks: the runtime's Trim, which takes off blanks only, not tabs or
+// line breaks.
+inline std::string TrimBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return "";
+  return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+// TrimSpace: text without the white space (blanks, tabs, line breaks) at
+// either end.
+inline std::string_view TrimSpace(std::string_view s) {
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
+    s.remove_prefix(1);
+  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
+    s.remove_suffix(1);
+  return s;
+}
+
 // UpperCase: the runtime's UCase for the letters the system's names use.
 inline std::string UpperCase(std::string_view text) {
   std::string out(text);

@@ -25,18 +25,10 @@ namespace {
   throw Error(kErrInvalidUseOfNull, "Invalid use of Null");
 }
 
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
-    s.remove_prefix(1);
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
-    s.remove_suffix(1);
-  return s;
-}
-
 // Reads text as a number: optional sign, digits with an optional decimal
 // point and exponent, or &H hexadecimal. The whole text must be used.
 std::optional<double> ParseNumber(std::string_view text) {
-  text = Trim(text);
+  text = TrimSpace(text);
   if (text.empty()) return std::nullopt;
   if (text.size() > 2 && text[0] == '&' && (text[1] == 'H' || text[1] == 'h')) {
     int64_t value = 0;
@@ -279,7 +271,7 @@ Currency CCur(const Variant& v) {
 bool CBool(const Variant& v) {
   if (const auto* b = v.Get<bool>()) return *b;
   if (v.IsString()) {
-    const std::string_view s = Trim(*v.Get<std::string>());
+    const std::string_view s = TrimSpace(*v.Get<std::string>());
     if (EqualsNoCase(s, "True")) return true;
     if (EqualsNoCase(s, "False")) return false;
     if (auto n = ParseNumber(s)) return *n != 0;

@@ -12,6 +12,7 @@
 
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Messages.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/drivers/Driver.h"
 #include "kelvary/service/InfoLink.h"
 
@@ -123,12 +124,6 @@ std::string FirstLetter(const std::string& text) {
   std::string letter = text.substr(0, length);
   if (length == 1 && lead >= 'a' && lead <= 'z') letter[0] = static_cast<char>(lead - 'a' + 'A');
   return letter;
-}
-
-std::string TrimBlanks(const std::string& text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 }  // namespace

@@ -31,28 +31,6 @@ std::string LeftTrimBlanks(const std::string& text) {
   return first == std::string::npos ? std::string() : text.substr(first);
 }
 
-bool IsNumericFieldType(DataTypeEnum type) {
-  switch (type) {
-    case adSmallInt:
-    case adInteger:
-    case adSingle:
-    case adDouble:
-    case adCurrency:
-    case adDecimal:
-    case adTinyInt:
-    case adUnsignedTinyInt:
-    case adUnsignedSmallInt:
-    case adUnsignedInt:
-    case adBigInt:
-    case adUnsignedBigInt:
-    case adNumeric:
-    case adVarNumeric:
-      return true;
-    default:
-      return false;
-  }
-}
-
 }  // namespace
 
 bool InfoLink::FillRecordSet(ProjectDataSources SourceofData, std::shared_ptr<Recordset>& rs,
@@ -165,7 +143,7 @@ void InfoLink::RemoveNonNulls(const std::shared_ptr<Recordset>& rs) {
   for (int32_t i = 0; i < rs->FieldCount(); ++i) {
     Field& field = rs->Fields(i);
     if (!field.Value().IsNull()) continue;
-    if (IsNumericFieldType(field.Type())) {
+    if (IsNumericType(field.Type())) {
       field.Value(Variant(int16_t{0}));
     } else if (field.Type() == adBoolean) {
       field.Value(Variant(false));

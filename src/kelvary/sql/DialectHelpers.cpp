@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary::sql {
 
@@ -16,13 +17,6 @@ std::string ReplaceAll(std::string text, std::string_view find, std::string_view
     at += with.size();
   }
   return text;
-}
-
-// The runtime's Trim: blanks only, not tabs or line breaks.
-std::string TrimBlanks(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 // The runtime's Chr for codes 0 to 255, written as UTF-8.

@@ -8,14 +8,6 @@
 namespace kelvary::internal {
 namespace {
 
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
-    s.remove_prefix(1);
-  while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
-    s.remove_suffix(1);
-  return s;
-}
-
 bool EndsWithNoCase(std::string_view s, std::string_view suffix) {
   return s.size() >= suffix.size() && LowerCase(s.substr(s.size() - suffix.size())) == suffix;
 }
@@ -42,7 +34,7 @@ ConnectionStringItems ParseConnectionString(std::string_view text) {
       i = semi + 1;
       continue;
     }
-    std::string key(Trim(text.substr(i, eq - i)));
+    std::string key(TrimSpace(text.substr(i, eq - i)));
     size_t v = eq + 1;
     while (v < text.size() && text[v] == ' ')
       ++v;
@@ -58,7 +50,7 @@ ConnectionStringItems ParseConnectionString(std::string_view text) {
     } else {
       const size_t end = text.find(';', v);
       const size_t stop = end == std::string_view::npos ? text.size() : end;
-      value = std::string(Trim(text.substr(v, stop - v)));
+      value = std::string(TrimSpace(text.substr(v, stop - v)));
       i = stop == text.size() ? stop : stop + 1;
     }
     if (!key.empty()) result.items.emplace_back(std::move(key), std::move(value));
@@ -67,7 +59,7 @@ ConnectionStringItems ParseConnectionString(std::string_view text) {
 }
 
 bool IsSqliteFileName(std::string_view name) {
-  name = Trim(name);
+  name = TrimSpace(name);
   if (name == ":memory:") return true;
   if (name.find('/') != std::string_view::npos || name.find('\\') != std::string_view::npos) {
     return true;
