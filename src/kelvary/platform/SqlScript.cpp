@@ -5,6 +5,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/internal/SqlLexing.h"
 
 namespace kelvary {
 namespace {
@@ -61,31 +62,14 @@ std::vector<std::string> SplitSqlScript(std::string_view sql) {
   };
   while (i < sql.size()) {
     const char c = sql[i];
-    if (c == '\'' || c == '"' || c == '`' || c == '[') {
-      const char close = c == '[' ? ']' : c;
-      size_t j = i + 1;
-      for (;;) {
-        j = sql.find(close, j);
-        if (j == std::string_view::npos) {
-          j = sql.size();
-          break;
-        }
-        if (close != ']' && j + 1 < sql.size() && sql[j + 1] == close) {
-          j += 2;
-          continue;
-        }
-        ++j;
-        break;
-      }
+    const size_t comment_end = internal::EndOfComment(sql, i);
+    if (internal::OpensQuoted(c)) {
+      const size_t j = internal::EndOfQuoted(sql, i);
       current.append(sql.substr(i, j - i));
       i = j;
-    } else if (c == '-' && i + 1 < sql.size() && sql[i + 1] == '-') {
-      const size_t end = sql.find('\n', i);
-      i = end == std::string_view::npos ? sql.size() : end;
-    } else if (c == '/' && i + 1 < sql.size() && sql[i + 1] == '*') {
-      const size_t end = sql.find("*/", i + 2);
-      i = end == std::string_view::npos ? sql.size() : end + 2;
-      current += ' ';
+    } else if (comment_end != i) {
+      if (c == '/') current += ' ';  // a block comment separates like a blank
+      i = comment_end;
     } else if (c == ';') {
       if (IsTrigger(current) && !EndsWithEnd(current)) {
         current += c;  // a ';' inside the trigger's body

@@ -7,6 +7,7 @@
 
 #include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
 #include "kelvary/platform/internal/LikePattern.h"
+#include "kelvary/platform/internal/SqlLexing.h"
 
 namespace kelvary::sqlite {
 namespace {
@@ -147,33 +148,12 @@ std::string RewriteDialect(std::string_view sql) {
   };
   while (i < sql.size()) {
     const char c = sql[i];
-    if (c == '\'' || c == '"' || c == '`' || c == '[') {
-      const char close = c == '[' ? ']' : c;
-      size_t j = i + 1;
-      for (;;) {
-        j = sql.find(close, j);
-        if (j == std::string_view::npos) {
-          j = sql.size();
-          break;
-        }
-        if (close != ']' && j + 1 < sql.size() && sql[j + 1] == close) {
-          j += 2;  // a doubled quote stays inside
-          continue;
-        }
-        ++j;
-        break;
-      }
-      copy_until(j);
+    if (internal::OpensQuoted(c)) {
+      copy_until(internal::EndOfQuoted(sql, i));
       continue;
     }
-    if (c == '-' && i + 1 < sql.size() && sql[i + 1] == '-') {
-      const size_t end = sql.find('\n', i);
-      copy_until(end == std::string_view::npos ? sql.size() : end);
-      continue;
-    }
-    if (c == '/' && i + 1 < sql.size() && sql[i + 1] == '*') {
-      const size_t end = sql.find("*/", i + 2);
-      copy_until(end == std::string_view::npos ? sql.size() : end + 2);
+    if (const size_t comment_end = internal::EndOfComment(sql, i); comment_end != i) {
+      copy_until(comment_end);
       continue;
     }
     if (std::isalpha(static_cast<unsigned char>(c)) || c == '_') {
