@@ -1,4 +1,5 @@
 // Find and Filter: the criteria reader and how each moves the cursor.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "RecordsetTestSupport.h"
@@ -131,12 +132,12 @@ TEST_P(RecordsetFindFilter, BadCriteriaRaiseAnErrorNamingThem) {
         "(ID = 1", "ID = 1 AND", "ID = 1 ID = 2", "ID = 5x"}) {
     const Error e = ErrorOf([&] { rs_->Filter(criteria); });
     EXPECT_EQ(e.Number(), kErrBadCriteria) << criteria;
-    EXPECT_NE(e.Description().find(criteria), std::string::npos) << e.Description();
+    EXPECT_THAT(e.Description(), ::testing::HasSubstr(criteria));
   }
   EXPECT_EQ(rs_->RecordCount(), 6);  // a bad filter leaves the old one
   const Error find = ErrorOf([&] { rs_->Find("ID = 1 OR ID = 2"); });
   EXPECT_EQ(find.Number(), kErrBadCriteria);
-  EXPECT_NE(find.Description().find("Find takes one comparison"), std::string::npos);
+  EXPECT_THAT(find.Description(), ::testing::HasSubstr("Find takes one comparison"));
   EXPECT_EQ(ErrorOf([&] { rs_->Find(""); }).Number(), kErrBadCriteria);
 }
 

@@ -1,5 +1,6 @@
 // The SQLite driver: type mapping, the desktop dialect, errors, and sharing a
 // file between connections.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -144,7 +145,7 @@ TEST(SqliteDriver, DialectFunctionsRunOnSqlite) {
     EXPECT_EQ(First(c, sql), value) << sql;
   }
   const Error bad = ErrorOf([&] { First(c, "SELECT TO_Date('31-Foo-2024','DD-Mon-YYYY')"); });
-  EXPECT_NE(bad.Description().find("TO_Date cannot read '31-Foo-2024'"), std::string::npos);
+  EXPECT_THAT(bad.Description(), ::testing::HasSubstr("TO_Date cannot read '31-Foo-2024'"));
   SetClock(previous);
 }
 
@@ -164,7 +165,7 @@ TEST(SqliteDriver, ARejectedStatementCarriesSqlitesMessageAndTheStatement) {
   db.Connection()->Execute("SELECT 1");
   EXPECT_TRUE(db.Connection()->Errors().empty());
   const Error two = ErrorOf([&] { db.Connection()->Execute("SELECT 1; SELECT 2"); });
-  EXPECT_NE(two.Description().find("more than one statement"), std::string::npos);
+  EXPECT_THAT(two.Description(), ::testing::HasSubstr("more than one statement"));
   db.Connection()->Execute("SELECT 1; -- a trailing comment is fine");
 }
 
@@ -220,10 +221,8 @@ TEST(SqliteDriver, FilesAreOpenedInWalModeWithForeignKeysOn) {
   EXPECT_EQ(First(db.Connection(), "PRAGMA foreign_keys"), Variant(int32_t{1}));
   EXPECT_EQ(First(db.Connection(), "PRAGMA synchronous"), Variant(int32_t{2}));  // FULL
   db.Run("CREATE TABLE p (ID INTEGER PRIMARY KEY); CREATE TABLE c (P INTEGER REFERENCES p(ID));");
-  EXPECT_NE(ErrorOf([&] { db.Connection()->Execute("INSERT INTO c VALUES (5)"); })
-                .Description()
-                .find("FOREIGN KEY constraint failed"),
-            std::string::npos);
+  EXPECT_THAT(ErrorOf([&] { db.Connection()->Execute("INSERT INTO c VALUES (5)"); }).Description(),
+              ::testing::HasSubstr("FOREIGN KEY constraint failed"));
 }
 
 }  // namespace
