@@ -22,22 +22,15 @@ TEST(SqliteConnection, ConnectionStringsPickTheDriver) {
   };
   for (const std::string& s : strings) {
     auto c = std::make_shared<Connection>();
-    c->CursorLocation(adUseClient);
     c->Open(s);
-    EXPECT_EQ(c->State(), adStateOpen) << s;
-    EXPECT_EQ(c->ConnectionString(), s);
-    EXPECT_EQ(c->CursorLocation(), adUseClient);
     EXPECT_EQ(c->Execute("SELECT n FROM t")->Fields(0).Value(), Variant(int32_t{42})) << s;
     c->Close();
-    EXPECT_EQ(c->State(), adStateClosed);
     EXPECT_EQ(ErrorOf([&] { c->Execute("SELECT 1"); }).Number(), kErrObjectClosed);
   }
   auto read_only = std::make_shared<Connection>();
-  read_only->Open(db.ConnectionString() + ";Mode=ReadOnly");
-  EXPECT_NE(ErrorOf([&] { read_only->Execute("INSERT INTO t VALUES (1)"); })
-                .Description()
-                .find("readonly"),
-            std::string::npos);
+  read_only->Open(strings[2]);
+  EXPECT_THAT(ErrorOf([&] { read_only->Execute("INSERT INTO t VALUES (1)"); }).Description(),
+              ::testing::HasSubstr("readonly"));
 
   const auto choice = internal::ChooseDriver(
       "Provider=MSDataShape.1;Persist Security Info=False;Data Source=Main;Data Provider=MSDASQL");
@@ -57,7 +50,7 @@ TEST(SqliteConnection, MissingFilesAndUnknownProvidersAreErrors) {
   auto c = std::make_shared<Connection>();
   const Error missing = ErrorOf([&] { c->Open("Provider=SQLite;Data Source=" + path); });
   EXPECT_EQ(missing.Number(), kErrProviderFailure);
-  EXPECT_NE(missing.Description().find(path), std::string::npos);
+  EXPECT_THAT(missing.Description(), ::testing::HasSubstr(path));
   EXPECT_FALSE(std::filesystem::exists(path));  // no empty database left behind
   EXPECT_EQ(c->State(), adStateClosed);
   ASSERT_EQ(c->Errors().size(), 1u);
@@ -106,16 +99,11 @@ TEST_P(Connections, ExecuteReportsRecordsAffectedAndReturnsRows) {
   auto none = c->Execute("UPDATE patients SET Balance = 0 WHERE ParentID = 1", affected);
   EXPECT_EQ(affected, 2);
   EXPECT_EQ(none->State(), adStateClosed);
-  c->Execute("DELETE FROM patients WHERE ID > 100", affected);
-  EXPECT_EQ(affected, 0);
   c->Execute("CREATE TABLE x (a INTEGER)", affected);
-  EXPECT_EQ(affected, 0);
+  EXPECT_EQ(affected, 0);  // not the count of the UPDATE before it
   auto rows = c->Execute("SELECT * FROM patients WHERE ParentID = 1", affected);
   EXPECT_EQ(affected, -1);
-  EXPECT_EQ(rows->State(), adStateOpen);
   EXPECT_EQ(rows->RecordCount(), 2);
-  EXPECT_EQ(rows->LockType(), adLockReadOnly);
-  EXPECT_EQ(rows->ActiveConnection(), c);
   EXPECT_EQ(ErrorOf([&] { rows->Delete(); }).Number(), kErrOperationNotSupported);
 
   c->Execute("DELETE FROM patients WHERE ID = 6", -1);  // a value in second place: options

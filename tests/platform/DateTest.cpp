@@ -7,27 +7,18 @@
 namespace kelvary {
 namespace {
 
-TEST(Date, SerialsCountDaysFromTheEpoch) {
+TEST(Date, SerialsCountDaysFromTheEpochAndPartsRoundTrip) {
   EXPECT_EQ(DateSerial(1899, 12, 30).Serial(), 0);
-  EXPECT_EQ(DateSerial(1900, 1, 1).Serial(), 2);
   EXPECT_EQ(DateSerial(2024, 3, 5).Serial(), 45356);
-  EXPECT_EQ(DateSerial(1899, 12, 29).Serial(), -1);
   EXPECT_EQ(DateSerial(1800, 1, 1).Serial(), -36522);
-}
-
-TEST(Date, PartsRoundTripIncludingBeforeTheEpochAndLeapDays) {
   struct Case {
     int y, m, d;
   };
   for (const Case c : {Case{2024, 2, 29}, Case{2000, 2, 29}, Case{1900, 2, 28}, Case{1899, 12, 29},
                        Case{1752, 9, 14}, Case{100, 1, 1}, Case{9999, 12, 31}}) {
     const Date date = DateSerial(c.y, c.m, c.d);
-    EXPECT_EQ(Year(date), c.y);
-    EXPECT_EQ(Month(date), c.m);
-    EXPECT_EQ(Day(date), c.d);
+    EXPECT_EQ(Year(date) * 10000 + Month(date) * 100 + Day(date), c.y * 10000 + c.m * 100 + c.d);
   }
-  // 1900 is not a leap year: 29 February rolls into March.
-  EXPECT_EQ(DateSerial(1900, 2, 29), DateSerial(1900, 3, 1));
 }
 
 TEST(Date, TimeOfDayCountsForwardsEvenBeforeTheEpoch) {
@@ -35,47 +26,43 @@ TEST(Date, TimeOfDayCountsForwardsEvenBeforeTheEpoch) {
   EXPECT_DOUBLE_EQ(d.Serial(), -1.25);
   EXPECT_EQ(Day(d), 29);
   EXPECT_EQ(Hour(d), 6);
+  EXPECT_EQ(DateOnly(d), DateSerial(1899, 12, 29));
   const Date t = DateTimeOf(2024, 3, 5, 23, 59, 59);
-  EXPECT_EQ(Hour(t), 23);
-  EXPECT_EQ(Minute(t), 59);
-  EXPECT_EQ(Second(t), 59);
+  EXPECT_EQ(Hour(t) * 10000 + Minute(t) * 100 + Second(t), 235959);
   EXPECT_TRUE(HasTime(t));
   EXPECT_EQ(DateOnly(t), DateSerial(2024, 3, 5));
-  EXPECT_EQ(DateOnly(d), DateSerial(1899, 12, 29));
 }
 
-TEST(Date, SerialRollsMonthsDaysAndTwoDigitYears) {
+TEST(Date, SerialAndAddDaysRollMonthsYearsAndLeapDays) {
+  EXPECT_EQ(DateSerial(1900, 2, 29), DateSerial(1900, 3, 1));  // 1900 is not a leap year
   EXPECT_EQ(DateSerial(2024, 13, 1), DateSerial(2025, 1, 1));
   EXPECT_EQ(DateSerial(2024, 0, 1), DateSerial(2023, 12, 1));
   EXPECT_EQ(DateSerial(2024, 1, 0), DateSerial(2023, 12, 31));
   EXPECT_EQ(DateSerial(2024, 2, 30), DateSerial(2024, 3, 1));
   EXPECT_EQ(DateSerial(24, 1, 1), DateSerial(2024, 1, 1));
   EXPECT_EQ(DateSerial(45, 1, 1), DateSerial(1945, 1, 1));
-  EXPECT_THROW(DateSerial(10000, 1, 1), Error);
-}
-
-TEST(Date, AddDaysKeepsTheTimeAndCrossesYearsAndLeapDays) {
   EXPECT_EQ(AddDays(DateSerial(2024, 12, 31), 1), DateSerial(2025, 1, 1));
   EXPECT_EQ(AddDays(DateSerial(2024, 2, 28), 1), DateSerial(2024, 2, 29));
   EXPECT_EQ(AddDays(DateSerial(1900, 1, 1), -3), DateSerial(1899, 12, 29));
-  const Date t = AddDays(DateTimeOf(2024, 3, 5, 18, 0, 0), 1);
-  EXPECT_EQ(t, DateTimeOf(2024, 3, 6, 18, 0, 0));
+  EXPECT_EQ(AddDays(DateTimeOf(2024, 3, 5, 18, 0, 0), 1), DateTimeOf(2024, 3, 6, 18, 0, 0));
+  EXPECT_THROW(DateSerial(10000, 1, 1), Error);
   EXPECT_EQ(Weekday(DateSerial(2024, 3, 5)), 3);  // a Tuesday
 }
 
 TEST(Date, FormatPictures) {
   const Date d = DateTimeOf(2024, 3, 5, 14, 7, 9);
-  EXPECT_EQ(Format(d, "mm/dd/yyyy"), "03/05/2024");
-  EXPECT_EQ(Format(d, "DD-MMM-YYYY"), "05-Mar-2024");
-  EXPECT_EQ(Format(d, "d mmmm yy"), "5 March 24");
-  EXPECT_EQ(Format(d, "dddd hh:mm:ss"), "Tuesday 14:07:09");  // mm after hh is minutes
-  EXPECT_EQ(Format(d, "h:nn AM/PM"), "2:07 PM");
+  // mm after hh is minutes.
+  std::string texts;
+  for (const char* picture :
+       {"mm/dd/yyyy", "DD-MMM-YYYY", "d mmmm yy", "dddd hh:mm:ss", "h:nn AM/PM"})
+    texts += Format(d, picture) + "|";
+  EXPECT_EQ(texts, "03/05/2024|05-Mar-2024|5 March 24|Tuesday 14:07:09|2:07 PM|");
   EXPECT_EQ(Format(DateSerial(987, 12, 1), "mm/dd/yyyy"), "12/01/0987");
-  EXPECT_EQ(FormatNumber(3, "00"), "03");
-  EXPECT_EQ(FormatNumber(2024, "00"), "2024");
-  EXPECT_EQ(FormatNumber(42, "0000"), "0042");
-  EXPECT_EQ(FormatNumber(2.5, "0"), "3");  // halves away from zero in Format
-  EXPECT_EQ(FormatNumber(-1.25, "0.0"), "-1.3");
+  // Numbers: halves go away from zero.
+  EXPECT_EQ(FormatNumber(3, "00") + " " + FormatNumber(2024, "00") + " " +
+                FormatNumber(42, "0000") + " " + FormatNumber(2.5, "0") + " " +
+                FormatNumber(-1.25, "0.0"),
+            "03 2024 0042 3 -1.3");
 }
 
 TEST(Date, ParseAcceptsEachFormAndRejectsInvalidDates) {
@@ -83,7 +70,6 @@ TEST(Date, ParseAcceptsEachFormAndRejectsInvalidDates) {
   EXPECT_EQ(ParseDate(" 2024-03-05 10:30 "), DateTimeOf(2024, 3, 5, 10, 30, 0));
   EXPECT_EQ(ParseDate("2024-03-05T10:30:15"), DateTimeOf(2024, 3, 5, 10, 30, 15));
   EXPECT_EQ(ParseDate("3/5/2024"), DateSerial(2024, 3, 5));
-  EXPECT_EQ(ParseDate("03/05/2024 14:07:09"), DateTimeOf(2024, 3, 5, 14, 7, 9));
   EXPECT_EQ(ParseDate("3/5/2024 2:07 PM"), DateTimeOf(2024, 3, 5, 14, 7, 0));
   EXPECT_EQ(ParseDate("12/31/99"), DateSerial(1999, 12, 31));
   EXPECT_EQ(ParseDate("5-Mar-2024"), DateSerial(2024, 3, 5));
@@ -93,14 +79,6 @@ TEST(Date, ParseAcceptsEachFormAndRejectsInvalidDates) {
                           "2024-03-05 25:00", "2024/03/05", "hello", "12345"}) {
     EXPECT_FALSE(ParseDate(bad).has_value()) << bad;
   }
-}
-
-TEST(Date, ClockCanBeReplaced) {
-  Clock previous = SetClock([] { return DateTimeOf(2024, 3, 5, 18, 30, 0); });
-  EXPECT_EQ(Now(), DateTimeOf(2024, 3, 5, 18, 30, 0));
-  EXPECT_EQ(Today(), DateSerial(2024, 3, 5));
-  SetClock(previous);
-  EXPECT_GT(Year(Now()), 2000);
 }
 
 }  // namespace

@@ -48,25 +48,15 @@ inline std::string Ids(Recordset& rs, const char* field = "ID") {
 // A small practice: six patients, some related to a parent. DOB holds a
 // time of day for patient 5.
 inline std::string PatientsSql(const BackendTraits& traits = {}) {
-  return "CREATE TABLE patients ("
-         "  ID " +
-         traits.auto_key +
-         ","
-         "  LastName TEXT NOT NULL,"
-         "  FirstName VARCHAR(30),"
-         "  DOB " +
-         traits.datetime_type +
-         ","
-         "  Balance DOUBLE PRECISION,"
-         "  ParentID INTEGER,"
-         "  Active BOOLEAN DEFAULT TRUE"
-         ");"
-         "INSERT INTO patients VALUES (1, 'Smith', 'John', '1980-03-05', 10.5, NULL, TRUE);"
-         "INSERT INTO patients VALUES (2, 'O''Brien', 'Mary', '1975-12-31', 0, 1, TRUE);"
-         "INSERT INTO patients VALUES (3, 'smithers', 'Paul', '2001-07-14', -3.25, 1, FALSE);"
-         "INSERT INTO patients VALUES (4, 'Jones', NULL, NULL, NULL, 3, TRUE);"
-         "INSERT INTO patients VALUES (5, 'Brown', 'Ann', '1990-01-01 08:30:00', 99, 3, FALSE);"
-         "INSERT INTO patients VALUES (6, 'Smith', 'Jane', '2010-10-10', 7, NULL, TRUE);" +
+  return "CREATE TABLE patients (ID " + traits.auto_key +
+         ", LastName TEXT NOT NULL, FirstName VARCHAR(30), DOB " + traits.datetime_type +
+         ", Balance DOUBLE PRECISION, ParentID INTEGER, Active BOOLEAN DEFAULT TRUE);" + R"sql(
+    INSERT INTO patients VALUES (1, 'Smith', 'John', '1980-03-05', 10.5, NULL, TRUE);
+    INSERT INTO patients VALUES (2, 'O''Brien', 'Mary', '1975-12-31', 0, 1, TRUE);
+    INSERT INTO patients VALUES (3, 'smithers', 'Paul', '2001-07-14', -3.25, 1, FALSE);
+    INSERT INTO patients VALUES (4, 'Jones', NULL, NULL, NULL, 3, TRUE);
+    INSERT INTO patients VALUES (5, 'Brown', 'Ann', '1990-01-01 08:30:00', 99, 3, FALSE);
+    INSERT INTO patients VALUES (6, 'Smith', 'Jane', '2010-10-10', 7, NULL, TRUE);)sql" +
          traits.SyncAutoKey("patients", "ID");
 }
 
