@@ -20,15 +20,6 @@ using testing::ErrorNumberOf;
 using testing::MessageRecorder;
 using Texts = std::vector<std::string>;
 
-class ComparisonClauses : public ::testing::Test {
- protected:
-  ComparisonClauses() { internal::SetActiveInfoLink(&link_); }
-  ~ComparisonClauses() override { internal::SetActiveInfoLink(nullptr); }
-
-  InfoLink link_;
-  MessageRecorder messages_;
-};
-
 struct Case {
   FieldDataTypes type;
   CompareTypes cmp;
@@ -39,16 +30,26 @@ struct Case {
   Texts messages = {};
 };
 
-void ExpectCases(MessageRecorder& messages, const std::vector<Case>& cases) {
-  for (const auto& c : cases) {
-    messages.Clear();
-    EXPECT_EQ(GetComparisionClause("F", c.type, c.cmp, 0, c.v1, c.v2, c.reverse, c.xtal),
-              c.expected)
-        << "type " << c.type << ", operator " << c.cmp << ", " << c.v1 << ", " << c.v2
-        << (c.reverse ? ", reversed" : "");
-    EXPECT_EQ(messages.Texts(), c.messages) << "type " << c.type << ", operator " << c.cmp;
+class ComparisonClauses : public ::testing::Test {
+ protected:
+  ComparisonClauses() { internal::SetActiveInfoLink(&link_); }
+  ~ComparisonClauses() override { internal::SetActiveInfoLink(nullptr); }
+
+  // Each case compares field F and shows exactly its messages.
+  void ExpectCases(const std::vector<Case>& cases) {
+    for (const auto& c : cases) {
+      SCOPED_TRACE(::testing::Message() << "type " << c.type << ", operator " << c.cmp << ", "
+                                        << c.v1 << ", " << c.v2 << (c.reverse ? ", reversed" : ""));
+      messages_.Clear();
+      EXPECT_EQ(GetComparisionClause("F", c.type, c.cmp, 0, c.v1, c.v2, c.reverse, c.xtal),
+                c.expected);
+      EXPECT_EQ(messages_.Texts(), c.messages);
+    }
   }
-}
+
+  InfoLink link_;
+  MessageRecorder messages_;
+};
 
 const Variant kNone;  // Empty: no value chosen
 
@@ -60,55 +61,50 @@ std::string Equals(int type, const Variant& value) {
 TEST_F(ComparisonClauses, NumericTypesWriteTheValueAsItStands) {
   for (int type : {1, 2, 5, 6, 7, 8, 9, 12, 13, 14, 15, 16, 17, 21})
     EXPECT_EQ(Equals(type, Variant(7)), "F = 7") << "type " << type;
-  const Texts correct_here = {"Correct here"};
-  ExpectCases(messages_,
-              {
-                  {fdtLong, cmpEquals, 7, kNone, true, false, "F <> 7"},
-                  {fdtLong, cmpEquals, kNone, kNone, true, false, ""},
-                  {fdtLong, cmpGreaterThan, 2.5, kNone, false, true, "F > 2.5"},
-                  {fdtLong, cmpGreaterThan, 7, kNone, true, false, " NOT ( F > 7 ) "},
-                  {fdtLong, cmpLessThan, int16_t{-3}, kNone, false, false, "F < -3"},
-                  {fdtLong, cmpLessThan, kNone, 9, false, false, ""},
-                  {fdtLong, cmpBetween, 1, 5, false, false, "( F >= 1 ) AND ( F <=  5 )"},
-                  {fdtLong, cmpBetween, 1, 5, true, false, " NOT ( ( F >= 1 ) AND ( F <=  5 ) ) "},
-                  {fdtLong, cmpBetween, 1, kNone, false, false, "F >= 1 "},
-                  {fdtLong, cmpBetween, kNone, 5, false, false, "F <= 5"},
-                  {fdtLong, cmpBetween, kNone, kNone, false, false, ""},
-                  {fdtLong, cmpBeginsWith, 7, kNone, false, false, ""},
-                  {fdtLong, cmpEndsWith, 7, kNone, false, false, ""},
-                  {fdtLong, cmpContains, 7, kNone, false, false, ""},
-                  {fdtLong, cmpSoundsLike, 7, kNone, false, false, "", correct_here},
-                  {fdtLong, static_cast<CompareTypes>(9), 7, kNone, false, false, ""},
-              });
+  ExpectCases({
+      {fdtLong, cmpEquals, 7, kNone, true, false, "F <> 7"},
+      {fdtLong, cmpEquals, kNone, kNone, true, false, ""},
+      {fdtLong, cmpGreaterThan, 2.5, kNone, false, true, "F > 2.5"},
+      {fdtLong, cmpGreaterThan, 7, kNone, true, false, " NOT ( F > 7 ) "},
+      {fdtLong, cmpLessThan, int16_t{-3}, kNone, false, false, "F < -3"},
+      {fdtLong, cmpLessThan, kNone, 9, false, false, ""},
+      {fdtLong, cmpBetween, 1, 5, false, false, "( F >= 1 ) AND ( F <=  5 )"},
+      {fdtLong, cmpBetween, 1, 5, true, false, " NOT ( ( F >= 1 ) AND ( F <=  5 ) ) "},
+      {fdtLong, cmpBetween, 1, kNone, false, false, "F >= 1 "},
+      {fdtLong, cmpBetween, kNone, 5, false, false, "F <= 5"},
+      {fdtLong, cmpBetween, kNone, kNone, false, false, ""},
+      {fdtLong, cmpBeginsWith, 7, kNone, false, false, ""},
+      {fdtLong, cmpEndsWith, 7, kNone, false, false, ""},
+      {fdtLong, cmpContains, 7, kNone, false, false, ""},
+      {fdtLong, cmpSoundsLike, 7, kNone, false, false, "", {"Correct here"}},
+      {fdtLong, static_cast<CompareTypes>(9), 7, kNone, false, false, ""},
+  });
 }
 
 TEST_F(ComparisonClauses, TextTypesQuoteTheValueAndUseTheDialectWildcard) {
   for (int type : {3, 4, 10, 11, 22, 23})
     EXPECT_EQ(Equals(type, Variant("O'Neil")), "F = 'O''Neil'") << "type " << type;
-  const Texts twice = {"Correct here", "Correct here"};
-  ExpectCases(messages_,
-              {
-                  {fdtText, cmpEquals, "B", kNone, true, false, "F <> 'B'"},
-                  {fdtText, cmpEquals, kNone, kNone, true, false, ""},
-                  {fdtText, cmpEquals, "", kNone, false, false, "F = ''"},
-                  {fdtText, cmpGreaterThan, "B", kNone, true, false, " NOT ( F > 'B' ) "},
-                  {fdtText, cmpLessThan, "B", kNone, false, false, "F < 'B'"},
-                  {fdtText, cmpLessThan, kNone, kNone, false, false, ""},
-                  {fdtText, cmpBetween, "A'x", "M'y", false, false,
-                   "( F >=  'A''x' ) AND ( F <=  'M''y' )"},
-                  {fdtText, cmpBetween, "A'x", kNone, false, false, "F >=  'A''x'  "},
-                  {fdtText, cmpBetween, kNone, "M'y", false, false, "F <=  'M'y'  "},
-                  {fdtText, cmpBetween, kNone, kNone, true, false, ""},
-                  {fdtText, cmpBeginsWith, "Sm", kNone, false, false, "F Like 'Sm%'"},
-                  {fdtText, cmpBeginsWith, "Sm", kNone, false, true, "F Like 'Sm*'"},
-                  {fdtText, cmpEndsWith, "th", kNone, false, false, "F Like '%th'"},
-                  {fdtText, cmpEndsWith, "th", kNone, true, true, " NOT ( F Like '*th' ) "},
-                  {fdtText, cmpContains, "O'Ne", kNone, false, false, "F Like '%O''Ne%'"},
-                  {fdtText, cmpContains, "O'Ne", kNone, false, true, "F Like '*O''Ne*'"},
-                  {fdtText, cmpContains, kNone, kNone, false, false, "F Like '%%'"},
-                  {fdtText, cmpSoundsLike, "Smyth", kNone, false, false, "", twice},
-                  {fdtText, static_cast<CompareTypes>(0), "B", kNone, false, false, ""},
-              });
+  ExpectCases({
+      {fdtText, cmpEquals, "B", kNone, true, false, "F <> 'B'"},
+      {fdtText, cmpEquals, kNone, kNone, true, false, ""},
+      {fdtText, cmpEquals, "", kNone, false, false, "F = ''"},
+      {fdtText, cmpGreaterThan, "B", kNone, true, false, " NOT ( F > 'B' ) "},
+      {fdtText, cmpLessThan, "B", kNone, false, false, "F < 'B'"},
+      {fdtText, cmpLessThan, kNone, kNone, false, false, ""},
+      {fdtText, cmpBetween, "A'x", "M'y", false, false, "( F >=  'A''x' ) AND ( F <=  'M''y' )"},
+      {fdtText, cmpBetween, "A'x", kNone, false, false, "F >=  'A''x'  "},
+      {fdtText, cmpBetween, kNone, "M'y", false, false, "F <=  'M'y'  "},
+      {fdtText, cmpBetween, kNone, kNone, true, false, ""},
+      {fdtText, cmpBeginsWith, "Sm", kNone, false, false, "F Like 'Sm%'"},
+      {fdtText, cmpBeginsWith, "Sm", kNone, false, true, "F Like 'Sm*'"},
+      {fdtText, cmpEndsWith, "th", kNone, false, false, "F Like '%th'"},
+      {fdtText, cmpEndsWith, "th", kNone, true, true, " NOT ( F Like '*th' ) "},
+      {fdtText, cmpContains, "O'Ne", kNone, false, false, "F Like '%O''Ne%'"},
+      {fdtText, cmpContains, "O'Ne", kNone, false, true, "F Like '*O''Ne*'"},
+      {fdtText, cmpContains, kNone, kNone, false, false, "F Like '%%'"},
+      {fdtText, cmpSoundsLike, "Smyth", kNone, false, false, "", {"Correct here", "Correct here"}},
+      {fdtText, static_cast<CompareTypes>(0), "B", kNone, false, false, ""},
+  });
 }
 
 TEST_F(ComparisonClauses, DateTypesBecomeRangesInTheActiveDialect) {
@@ -137,17 +133,16 @@ TEST_F(ComparisonClauses, DateTypesBecomeRangesInTheActiveDialect) {
 }
 
 TEST_F(ComparisonClauses, BooleansAndTheQuotedEqualityType) {
-  ExpectCases(messages_,
-              {
-                  {fdtBoolean, cmpEquals, true, kNone, false, false, "F = True"},
-                  {fdtBoolean, cmpGreaterThan, int16_t{0}, kNone, false, true, "F = False"},
-                  {fdtBoolean, cmpEquals, -1, kNone, true, false, "F <> True"},
-                  {fdtBoolean, cmpEquals, kNone, kNone, true, false, ""},
-                  {fdtGender, cmpEquals, "M", kNone, false, false, "F = 'M'"},
-                  {fdtGender, cmpEquals, "O'x", kNone, true, false, "F <> 'O'x'"},
-                  {fdtGender, cmpEquals, kNone, kNone, false, false, ""},
-                  {fdtGender, cmpContains, "M", kNone, false, false, "", {"Not handled"}},
-              });
+  ExpectCases({
+      {fdtBoolean, cmpEquals, true, kNone, false, false, "F = True"},
+      {fdtBoolean, cmpGreaterThan, int16_t{0}, kNone, false, true, "F = False"},
+      {fdtBoolean, cmpEquals, -1, kNone, true, false, "F <> True"},
+      {fdtBoolean, cmpEquals, kNone, kNone, true, false, ""},
+      {fdtGender, cmpEquals, "M", kNone, false, false, "F = 'M'"},
+      {fdtGender, cmpEquals, "O'x", kNone, true, false, "F <> 'O'x'"},
+      {fdtGender, cmpEquals, kNone, kNone, false, false, ""},
+      {fdtGender, cmpContains, "M", kNone, false, false, "", {"Not handled"}},
+  });
   EXPECT_EQ(link_.GetBooleanCompareClause("Active", cmpLessThan, false, true), "Active = False");
 }
 
