@@ -1,5 +1,5 @@
 // Golden texts of the date-range clauses: every combination of present ends,
-// same and different days, times of day, the three dialects and formula mode.
+// same and different days, times of day, the dialects and formula mode.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -20,113 +20,95 @@ class FixedDateControl : public DateControl {
   Variant value_;
 };
 
-// Functions rather than globals: dates are not built during static start-up.
-Variant Morning5() {
-  return DateTimeOf(2024, 3, 5, 10, 30, 0);
-}
-Variant Evening5() {
-  return DateTimeOf(2024, 3, 5, 18, 0, 0);
-}
-Variant Late7() {
-  return DateTimeOf(2024, 3, 7, 23, 59, 59);
-}
-Variant NewYearsEve() {
-  return DateSerial(2024, 12, 31);
-}
-Variant Open() {
-  return Variant::Null();
-}
-
-struct ValuesCase {
-  const char* what;
-  StdDBTypes db;
-  bool formula;
-  Variant from, to;
-  std::string expected;
+// The dates are members: they are not built during static start-up.
+class DateRangeClauses : public ::testing::Test {
+ protected:
+  const Variant morning5 = DateTimeOf(2024, 3, 5, 10, 30, 0);
+  const Variant evening5 = DateTimeOf(2024, 3, 5, 18, 0, 0);
+  const Variant late7 = DateTimeOf(2024, 3, 7, 23, 59, 59);
+  const Variant new_years_eve = DateSerial(2024, 12, 31);
+  const Variant open = Variant::Null();
 };
 
-TEST(GetDateSqlFromValues, EveryCombinationOfEndsInEachDialect) {
-  const std::vector<ValuesCase> cases = {
-      {"both, different days", sdbAccess, false, Morning5(), Late7(),
-       " ( VisitDate Between #03/05/2024#  And #03/08/2024# )"},
-      {"both, different days", sdbSQLServer, false, Morning5(), Late7(),
-       " ( VisitDate Between #03/05/2024#  And #03/08/2024# )"},
-      {"both, different days", sdbOracle, false, Morning5(), Late7(),
-       " ( VisitDate Between TO_Date('05-Mar-2024','DD-Mon-YYYY')  And "
-       "TO_Date('08-Mar-2024','DD-Mon-YYYY') )"},
-      {"both, same day", sdbAccess, false, Morning5(), Evening5(),
-       " ( (Month(VisitDate)  = 3)  And (Day(VisitDate) =  5 )  And (Year(VisitDate) =  2024 )  )"},
-      {"both, same day", sdbOracle, false, Morning5(), Evening5(),
-       " ( (Month(VisitDate)  = 3)  And (Day(VisitDate) =  5 )  And (Year(VisitDate) =  2024 )  )"},
-      {"from only", sdbAccess, false, Morning5(), Open(), " ( VisitDate >= #03/05/2024# )"},
-      {"from only", sdbOracle, false, Morning5(), Variant(),
-       " ( VisitDate >= TO_Date('05-Mar-2024','DD-Mon-YYYY') )"},
-      {"to only, year end", sdbAccess, false, Open(), NewYearsEve(),
-       " ( VisitDate < #01/01/2025# ) "},
-      {"to only", sdbOracle, false, Variant(), Late7(),
-       " ( VisitDate < TO_Date('08-Mar-2024','DD-Mon-YYYY') ) "},
-      {"neither", sdbAccess, false, Open(), Variant(), ""},
-      {"formula, different days", sdbAccess, true, Morning5(), Late7(),
-       " ( {VisitDate} in CDate(2024 , 3 , 5)  to CDate(2024 , 3 , 7) )"},
-      {"formula, same day", sdbAccess, true, Morning5(), Evening5(),
-       "( ( Day({VisitDate}) = 5 ) and ( Month({VisitDate}) = 3 )  and ( Year({VisitDate}) = 2024 "
-       "))"},
-      {"formula, from only, SQL literal", sdbAccess, true, Morning5(), Open(),
-       " ( {VisitDate} >= #03/05/2024# )"},
-      {"formula, from only, SQL literal", sdbOracle, true, Morning5(), Open(),
-       " ( {VisitDate} >= TO_Date('05-Mar-2024','DD-Mon-YYYY') )"},
-      {"formula, to only", sdbOracle, true, Open(), NewYearsEve(),
-       " ( {VisitDate} <= CDate(2024 , 12 , 31) ) "},
-      {"formula, neither", sdbAccess, true, Open(), Open(), ""},
-      {"text that reads as dates", sdbAccess, false, Variant("2024-03-05"), Variant("3/7/2024"),
-       " ( VisitDate Between #03/05/2024#  And #03/08/2024# )"},
-      {"non-dates are open ends", sdbAccess, false, Variant("soon"), Variant(45000), ""},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(
-        GetDateSqlFromValues(c.db, "VisitDate", drsUserSpecifiedDates, c.from, c.to, c.formula),
-        c.expected)
-        << c.what << ", dialect " << c.db;
-  }
-}
-
-TEST(GetDateSqlFromValues, AllDatesGivesNothingAndNoChoiceStillRestricts) {
-  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", drsAllDates, Morning5(), Late7()), "");
-  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", drsAllDates, Morning5(), Open(), true), "");
-  EXPECT_EQ(
-      GetDateSqlFromValues(sdbAccess, "D", static_cast<DateRangeSpecs>(0), Morning5(), Open()),
-      " ( D >= #03/05/2024# )");
-  // Any other choice is treated alike, and formula mode is off unless passed.
-  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", drsLast7Days, Open(), Late7()),
-            " ( D < #03/08/2024# ) ");
-}
-
-TEST(GetDateSqlFromControls, EveryCombinationAlwaysWithHashLiterals) {
+TEST_F(DateRangeClauses, FromValuesEveryCombinationOfEndsInEachDialect) {
   struct Case {
+    const char* what;
+    StdDBTypes db;
+    bool formula;
     Variant from, to;
     std::string expected;
   };
   const std::vector<Case> cases = {
-      {Open(), Open(), ""},
-      {Open(), NewYearsEve(), " ( VisitDate < #01/01/2025# ) "},
-      {Evening5(), Open(), " ( VisitDate >= #03/05/2024# )"},
-      {Morning5(), Evening5(),
-       "( ( Day(VisitDate) = 5 ) and ( Month(VisitDate) = 3 )  and ( Year(VisitDate) = 2024 ))"},
-      {Evening5(), Late7(), " ( VisitDate Between #03/05/2024#  And #03/08/2024# )"},
+      {"both, different days", sdbAccess, false, morning5, late7,
+       " ( D Between #03/05/2024#  And #03/08/2024# )"},
+      {"both, different days", sdbOracle, false, morning5, late7,
+       " ( D Between TO_Date('05-Mar-2024','DD-Mon-YYYY')  And "
+       "TO_Date('08-Mar-2024','DD-Mon-YYYY') )"},
+      {"both, same day", sdbAccess, false, morning5, evening5,
+       " ( (Month(D)  = 3)  And (Day(D) =  5 )  And (Year(D) =  2024 )  )"},
+      {"both, same day", sdbOracle, false, morning5, evening5,
+       " ( (Month(D)  = 3)  And (Day(D) =  5 )  And (Year(D) =  2024 )  )"},
+      {"from only", sdbAccess, false, morning5, open, " ( D >= #03/05/2024# )"},
+      {"from only", sdbOracle, false, morning5, Variant(),
+       " ( D >= TO_Date('05-Mar-2024','DD-Mon-YYYY') )"},
+      {"to only, year end", sdbAccess, false, open, new_years_eve, " ( D < #01/01/2025# ) "},
+      {"to only", sdbOracle, false, Variant(), late7,
+       " ( D < TO_Date('08-Mar-2024','DD-Mon-YYYY') ) "},
+      {"neither", sdbAccess, false, open, Variant(), ""},
+      {"formula, different days", sdbAccess, true, morning5, late7,
+       " ( {D} in CDate(2024 , 3 , 5)  to CDate(2024 , 3 , 7) )"},
+      {"formula, same day", sdbAccess, true, morning5, evening5,
+       "( ( Day({D}) = 5 ) and ( Month({D}) = 3 )  and ( Year({D}) = 2024 ))"},
+      {"formula, from only, SQL literal", sdbAccess, true, morning5, open,
+       " ( {D} >= #03/05/2024# )"},
+      {"formula, from only, SQL literal", sdbOracle, true, morning5, open,
+       " ( {D} >= TO_Date('05-Mar-2024','DD-Mon-YYYY') )"},
+      {"formula, to only", sdbOracle, true, open, new_years_eve,
+       " ( {D} <= CDate(2024 , 12 , 31) ) "},
+      {"formula, neither", sdbAccess, true, open, open, ""},
+      {"text that reads as dates", sdbAccess, false, Variant("2024-03-05"), Variant("3/7/2024"),
+       " ( D Between #03/05/2024#  And #03/08/2024# )"},
+      {"non-dates are open ends", sdbAccess, false, Variant("soon"), Variant(45000), ""},
   };
   for (const auto& c : cases) {
-    const FixedDateControl from(c.from), to(c.to);
-    EXPECT_EQ(GetDateSqlFromControls("VisitDate", drsUserSpecifiedDates, from, to), c.expected)
-        << c.from << " .. " << c.to;
+    EXPECT_EQ(GetDateSqlFromValues(c.db, "D", drsUserSpecifiedDates, c.from, c.to, c.formula),
+              c.expected)
+        << c.what << ", dialect " << c.db;
   }
 }
 
-TEST(GetDateSqlFromControls, AllDatesAndNoChoiceGiveNothing) {
-  const FixedDateControl from(Morning5()), to(Late7());
-  EXPECT_EQ(GetDateSqlFromControls("D", drsAllDates, from, to), "");
-  EXPECT_EQ(GetDateSqlFromControls("D", static_cast<DateRangeSpecs>(0), from, to), "");
-  EXPECT_EQ(GetDateSqlFromControls("D", drsToday, from, to),
-            " ( D Between #03/05/2024#  And #03/08/2024# )");
+TEST_F(DateRangeClauses, FromValuesAllDatesGivesNothingAndNoChoiceStillRestricts) {
+  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", drsAllDates, morning5, late7), "");
+  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", drsAllDates, morning5, open, true), "");
+  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", static_cast<DateRangeSpecs>(0), morning5, open),
+            " ( D >= #03/05/2024# )");
+  // Any other choice is treated alike, and formula mode is off unless passed.
+  EXPECT_EQ(GetDateSqlFromValues(sdbAccess, "D", drsLast7Days, open, late7),
+            " ( D < #03/08/2024# ) ");
+}
+
+TEST_F(DateRangeClauses, FromControlsEveryCombinationAlwaysWithHashLiterals) {
+  struct Case {
+    DateRangeSpecs choice;
+    Variant from, to;
+    std::string expected;
+  };
+  const std::vector<Case> cases = {
+      {drsUserSpecifiedDates, open, open, ""},
+      {drsUserSpecifiedDates, open, new_years_eve, " ( D < #01/01/2025# ) "},
+      {drsUserSpecifiedDates, evening5, open, " ( D >= #03/05/2024# )"},
+      {drsUserSpecifiedDates, morning5, evening5,
+       "( ( Day(D) = 5 ) and ( Month(D) = 3 )  and ( Year(D) = 2024 ))"},
+      {drsUserSpecifiedDates, evening5, late7, " ( D Between #03/05/2024#  And #03/08/2024# )"},
+      {drsToday, morning5, late7, " ( D Between #03/05/2024#  And #03/08/2024# )"},
+      {drsAllDates, morning5, late7, ""},
+      {static_cast<DateRangeSpecs>(0), morning5, late7, ""},  // no choice
+  };
+  for (const auto& c : cases) {
+    const FixedDateControl from(c.from), to(c.to);
+    EXPECT_EQ(GetDateSqlFromControls("D", c.choice, from, to), c.expected)
+        << "choice " << c.choice << ", " << c.from << " .. " << c.to;
+  }
 }
 
 }  // namespace
