@@ -9,7 +9,6 @@ namespace kelvary {
 namespace {
 
 using testing::BackendDatabase;
-using testing::MessageRecorder;
 
 std::string Shaped(const std::string& dsn) {
   return "Provider=MSDataShape.1;Persist Security Info=False;Data Source=" + dsn +
@@ -26,54 +25,49 @@ class ConnectDefaultTest : public testing::BackendTest {
     system_db_.RunFile("system_schema.sql");
     main_db_.RunFile("main_schema.sql");
   }
+  // ConnectByName: ConnectDefault from the two data-source names.
+  bool ConnectByName(InfoLink& link) {
+    return link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
+                               system_db_.DataSource());
+  }
 
   BackendDatabase main_db_;
   BackendDatabase system_db_;
-  MessageRecorder messages_;
+  testing::MessageRecorder messages_;
   std::shared_ptr<Connection> none_main_;
   std::shared_ptr<Connection> none_system_;
 };
 KELVARY_ON_EVERY_BACKEND(ConnectDefaultTest);
 
-TEST(InfoLinkSettings, DefaultsAndTheUpperCaseRule) {
-  InfoLink link;
-  EXPECT_EQ(link.LogFileEntrySetting, 0);
-  EXPECT_EQ(link.ORDERFIELD1, "FirstName");
-  EXPECT_EQ(link.ORDERFIELD2, "MiddleName");
-  EXPECT_EQ(link.ORDERFIELD3, "LastName");
-  EXPECT_EQ(link.MainDBType, sdbAccess);
-  EXPECT_EQ(link.GenCodeMethod, cgmDefault);
-  EXPECT_FALSE(link.UseSafeDelete);
-  EXPECT_EQ(link.AppDataXion(), nullptr);
-  link.CoreDataTable("patients");
-  EXPECT_EQ(link.CoreDataTable(), "PATIENTS");
-  link.CoreDataTable("");
-  EXPECT_EQ(link.CoreDataTable(), "");
-}
-
-TEST_P(ConnectDefaultTest, OpensBothConnectionsFromDataSourceNamesAndBecomesActive) {
+TEST_P(ConnectDefaultTest, OpensWhatIsNotGivenSharesWhatIsAndBecomesActive) {
   {
     InfoLink link;
-    ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
-                                    system_db_.DataSource()));
+    ASSERT_TRUE(ConnectByName(link));
     EXPECT_EQ(link.AppDataXion()->ConnectionString(), Shaped(main_db_.DataSource()));
     EXPECT_EQ(link.ConfigsXion()->ConnectionString(), Shaped(system_db_.DataSource()));
     EXPECT_EQ(link.AppDataXion()->CursorLocation(), adUseClient);
     EXPECT_EQ(ActiveInfoLink(), &link);
-    // The caller's variables are left as they were.
-    EXPECT_EQ(none_main_, nullptr);
+    EXPECT_EQ(none_main_, nullptr);  // the caller's variables are left alone
     // An empty direct string is the same as none.
     InfoLink second;
     ASSERT_TRUE(second.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
                                       system_db_.DataSource(), std::string()));
     EXPECT_EQ(second.AppDataXion()->ConnectionString(), Shaped(main_db_.DataSource()));
     EXPECT_EQ(ActiveInfoLink(), &second);
+    auto main = main_db_.Connection();
+    auto system = system_db_.Connection();
+    InfoLink given;
+    ASSERT_TRUE(given.ConnectDefault(main, system, "unused", "unused"));
+    EXPECT_EQ(given.AppDataXion(), main);
+    EXPECT_EQ(given.ConfigsXion(), system);
+    given.CoreDataTable("patients");  // kept in upper case
+    EXPECT_EQ(given.CoreDataTable(), "PATIENTS");
   }
   EXPECT_EQ(ActiveInfoLink(), nullptr);
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_P(ConnectDefaultTest, DirectStringServesMainAndSequenceConnectionsNeverTheSystemOne) {
+TEST_P(ConnectDefaultTest, OnlyLocationKeysOpenASequenceConnectionFromTheDirectString) {
   InfoLink link;
   link.GenCodeMethod = cgmPhysicalLocationWise;
   const std::string direct = main_db_.ConnectionString();
@@ -81,34 +75,20 @@ TEST_P(ConnectDefaultTest, DirectStringServesMainAndSequenceConnectionsNeverTheS
       link.ConnectDefault(none_main_, none_system_, "ignored", system_db_.DataSource(), direct));
   EXPECT_EQ(link.AppDataXion()->ConnectionString(), direct);
   EXPECT_EQ(link.ConfigsXion()->ConnectionString(), Shaped(system_db_.DataSource()));
-  // The sequence-generator connection reads the main database.
+  const std::string sql = "Select * from LocationTableKeys";
   std::shared_ptr<Recordset> rs;
-  EXPECT_FALSE(link.FillRecordSet(pdsSequenceGenerator, rs, "Select * from LocationTableKeys",
-                                  adOpenForwardOnly, adLockReadOnly));
-  EXPECT_EQ(rs->State(), adStateOpen);
+  EXPECT_FALSE(
+      link.FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenForwardOnly, adLockReadOnly));
+  EXPECT_EQ(rs->State(), adStateOpen);  // it reads the main database
   EXPECT_TRUE(messages_.Texts().empty());
-}
 
-TEST_P(ConnectDefaultTest, WithoutLocationKeysThereIsNoSequenceConnection) {
-  InfoLink link;
-  ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
-                                  system_db_.DataSource()));
-  std::shared_ptr<Recordset> rs;
-  EXPECT_FALSE(link.FillRecordSet(pdsSequenceGenerator, rs, "Select * from LocationTableKeys",
-                                  adOpenForwardOnly, adLockReadOnly));
+  InfoLink plain;
+  ASSERT_TRUE(ConnectByName(plain));
+  EXPECT_FALSE(
+      plain.FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenForwardOnly, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 1u);
-  EXPECT_EQ(messages_.Texts()[0].rfind(
-                "Error while Loading Records :  with sql Select * from LocationTableKeys\r\n", 0),
-            0u);
-}
-
-TEST_P(ConnectDefaultTest, GivenConnectionsAreSharedNotReopened) {
-  InfoLink link;
-  auto main = main_db_.Connection();
-  auto system = system_db_.Connection();
-  ASSERT_TRUE(link.ConnectDefault(main, system, "unused", "unused"));
-  EXPECT_EQ(link.AppDataXion(), main);
-  EXPECT_EQ(link.ConfigsXion(), system);
+  EXPECT_EQ(
+      messages_.Texts()[0].rfind("Error while Loading Records :  with sql " + sql + "\r\n", 0), 0u);
 }
 
 TEST_P(ConnectDefaultTest, AFailedOpenReturnsFalseSilentlyAndKeepsWhatWasAssigned) {
@@ -126,43 +106,27 @@ TEST_P(ConnectDefaultTest, AFailedOpenReturnsFalseSilentlyAndKeepsWhatWasAssigne
   EXPECT_TRUE(messages_.Texts().empty());
 }
 
-TEST_P(ConnectDefaultTest, TerminationStampsTheSessionLogoutThroughTheMainConnection) {
-  main_db_.Run(
-      "INSERT INTO UserSessions (ID, UserID) VALUES (5, 1); "
-      "INSERT INTO UserSessions (ID, UserID) VALUES (6, 1)");
+TEST_P(ConnectDefaultTest, TerminationStampsTheSessionLogoutThroughTheMainConnectionIfAny) {
+  main_db_.Run("INSERT INTO UserSessions (ID, UserID) VALUES (5, 1), (6, 1)");
   const Clock previous = SetClock([] { return DateTimeOf(2024, 3, 5, 18, 30, 0); });
   std::vector<std::string> history;
+  const auto record = [&](LogFileEntryTypes, const std::string& sql) { history.push_back(sql); };
   {
-    InfoLink link;
-    link.CurrentUserSessionID = 5;
-    link.LogFileEntrySetting = lfetSelectSQL;
-    link.SetSQLHistoryObserver(
-        [&](LogFileEntryTypes, const std::string& sql) { history.push_back(sql); });
-    ASSERT_TRUE(link.ConnectDefault(none_main_, none_system_, main_db_.DataSource(),
-                                    system_db_.DataSource()));
+    InfoLink link, unconnected;
+    for (InfoLink* l : {&link, &unconnected}) {
+      l->CurrentUserSessionID = 5;
+      l->LogFileEntrySetting = lfetSelectSQL;
+      l->SetSQLHistoryObserver(record);
+    }
+    ASSERT_TRUE(ConnectByName(link));
     history.clear();
   }
   SetClock(previous);
   EXPECT_EQ(history, std::vector<std::string>{"Select * from UserSessions where Id = 5"});
-  auto rs = std::make_shared<Recordset>();
-  rs->Open("Select ID, LogoutDateTime from UserSessions order by ID", main_db_.Connection());
-  EXPECT_EQ(rs->Fields("LogoutDateTime").Value(), Variant(DateTimeOf(2024, 3, 5, 18, 30, 0)));
-  rs->MoveNext();
-  EXPECT_TRUE(rs->Fields("LogoutDateTime").Value().IsNull());
+  EXPECT_EQ(testing::Rows(main_db_.Connection(),
+                          "Select ID, LogoutDateTime from UserSessions order by ID"),
+            "5|" + TextOf(Variant(DateTimeOf(2024, 3, 5, 18, 30, 0))) + ",6|");
   EXPECT_TRUE(messages_.Texts().empty());
-}
-
-TEST(InfoLinkTermination, WithoutAMainConnectionNothingIsRead) {
-  MessageRecorder messages;
-  std::vector<std::string> history;
-  {
-    InfoLink link;
-    link.LogFileEntrySetting = lfetSelectSQL;
-    link.SetSQLHistoryObserver(
-        [&](LogFileEntryTypes, const std::string& sql) { history.push_back(sql); });
-  }
-  EXPECT_TRUE(history.empty());
-  EXPECT_TRUE(messages.Texts().empty());
 }
 
 }  // namespace

@@ -10,8 +10,7 @@
 namespace kelvary {
 namespace {
 
-using testing::BackendDatabase;
-using testing::MessageRecorder;
+using History = std::vector<std::pair<LogFileEntryTypes, std::string>>;
 
 class RecordAccessTest : public testing::BackendTest {
  protected:
@@ -31,16 +30,22 @@ class RecordAccessTest : public testing::BackendTest {
     });
   }
 
+  // Open: the rows of items matching where, opened for change.
+  std::shared_ptr<Recordset> Open(const std::string& where = "1 = 1") {
+    std::shared_ptr<Recordset> rs;
+    link_.FillRecordSet(pdsmaindata, rs, "Select * from items where " + where, adOpenStatic,
+                        adLockOptimistic);
+    return rs;
+  }
   int32_t CountRows(const std::string& where) {
-    auto rs = std::make_shared<Recordset>();
-    rs->Open("Select count(*) As N from items where " + where, db_.Connection());
-    return CLng(rs->Fields("N").Value());
+    return CLng(
+        db_.Connection()->Execute("Select count(*) from items where " + where)->Fields(0).Value());
   }
 
-  BackendDatabase db_;
-  MessageRecorder messages_;
+  testing::BackendDatabase db_;
+  testing::MessageRecorder messages_;
   InfoLink link_;
-  std::vector<std::pair<LogFileEntryTypes, std::string>> history_;
+  History history_;
 };
 KELVARY_ON_EVERY_BACKEND(RecordAccessTest);
 
@@ -64,9 +69,8 @@ TEST_P(RecordAccessTest, FillRecordSetShowsItsFailures) {
       link_.FillRecordSet(pdsRawData, rs, "Select * from items", adOpenStatic, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 2u);
   EXPECT_EQ(messages_.Texts()[0], "No Raw Connection available");
-  EXPECT_EQ(messages_.Texts()[1].rfind("Error while Loading Records :  with sql Select * from "
-                                       "items\r\n",
-                                       0),
+  EXPECT_EQ(messages_.Texts()[1].rfind(
+                "Error while Loading Records :  with sql Select * from items\r\n", 0),
             0u);
   messages_.Clear();
   link_.LogFileEntrySetting = lfetSelectSQL;
@@ -77,25 +81,26 @@ TEST_P(RecordAccessTest, FillRecordSetShowsItsFailures) {
   EXPECT_TRUE(history_.empty());  // a failure is not passed to the history
 }
 
-TEST_P(RecordAccessTest, FillRecordSetDropsAPendingNewRowBeforeReopening) {
-  std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(
-      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
+TEST_P(RecordAccessTest, APendingChangeIsDroppedWhenTheRecordsetIsReopenedOrClosed) {
+  auto rs = Open();
   rs->AddNew();
   rs->Fields("ID").Value(Variant(3));
-  rs->Fields("Name").Value(Variant("three"));
   ASSERT_EQ(rs->EditMode(), adEditAdd);
-  EXPECT_TRUE(
-      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
+  rs = Open();
   EXPECT_EQ(rs->RecordCount(), 2);
-  EXPECT_EQ(CountRows("ID = 3"), 0);
+  rs->Fields("Name").Value(Variant("changed"));
+  link_.SafelyCloseRecordSet(rs);
+  EXPECT_EQ(rs->State(), adStateClosed);
+  link_.SafelyCloseRecordSet(rs);  // closing twice is harmless
+  link_.SafelyCloseRecordSet(nullptr);
+  EXPECT_EQ(CountRows("ID = 3 or Name = 'changed'"), 0);
 }
 
 TEST_P(RecordAccessTest, HistoryClassifiesStatementsByTheirFirstWord) {
   struct Case {
     int32_t setting;
     std::string sql;
-    std::vector<std::pair<LogFileEntryTypes, std::string>> expected;
+    History expected;
   };
   const std::vector<Case> cases = {
       {lfetDeleteStmts,
@@ -133,49 +138,29 @@ TEST_P(RecordAccessTest, ExecuteSQLShowsItsFailuresAndStillReturnsTrue) {
             0u);
   EXPECT_NE(messages_.Texts()[0].find(Traits().MissingTable("nowhere")), std::string::npos);
   // The failure came before the statement was classified: the text is "".
-  EXPECT_EQ(history_,
-            (std::vector<std::pair<LogFileEntryTypes, std::string>>{{lfetErrorMsgs, ""}}));
+  EXPECT_EQ(history_, (History{{lfetErrorMsgs, ""}}));
   messages_.Clear();
   history_.clear();
   link_.LogFileEntrySetting = lfetDeleteStmts;
   EXPECT_TRUE(link_.ExecuteSQL(pdsRawData, " Delete from items"));
   EXPECT_EQ(messages_.Texts(), std::vector<std::string>{"No Raw Connection available"});
-  EXPECT_EQ(history_, (std::vector<std::pair<LogFileEntryTypes, std::string>>{
-                          {lfetDeleteStmts, "Delete from items"}}));
+  EXPECT_EQ(history_, (History{{lfetDeleteStmts, "Delete from items"}}));
   EXPECT_EQ(CountRows("1 = 1"), 2);  // nothing was executed
 }
 
 TEST_P(RecordAccessTest, IsValidRecordNeedsAnOpenRecordsetOnARow) {
-  auto rs = std::make_shared<Recordset>();
-  EXPECT_FALSE(link_.IsValidRecord(rs));  // closed
+  EXPECT_FALSE(link_.IsValidRecord(std::make_shared<Recordset>()));  // closed
   EXPECT_FALSE(link_.IsValidRecord(nullptr));
-  link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 0", adOpenStatic,
-                      adLockReadOnly);
-  EXPECT_FALSE(link_.IsValidRecord(rs));  // empty
-  link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockReadOnly);
+  EXPECT_FALSE(link_.IsValidRecord(Open("ID = 0")));  // empty
+  auto rs = Open();
   EXPECT_TRUE(link_.IsValidRecord(rs));
   rs->MoveLast();
   rs->MoveNext();
   EXPECT_FALSE(link_.IsValidRecord(rs));  // after the last row
-  link_.SafelyCloseRecordSet(rs);
-  EXPECT_EQ(rs->State(), adStateClosed);
-  link_.SafelyCloseRecordSet(rs);  // closing twice is harmless
-  link_.SafelyCloseRecordSet(nullptr);
-}
-
-TEST_P(RecordAccessTest, SafelyCloseRecordSetDiscardsAPendingChange) {
-  std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
-                                  adLockOptimistic));
-  rs->Fields("Name").Value(Variant("changed"));
-  link_.SafelyCloseRecordSet(rs);
-  EXPECT_EQ(CountRows("Name = 'one'"), 1);
 }
 
 TEST_P(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTheRest) {
-  std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 2", adOpenStatic,
-                                  adLockOptimistic));
+  auto rs = Open("ID = 2");
   link_.RemoveNonNulls(rs);
   // The zero is stored in the field's own type.
   EXPECT_EQ(rs->Fields("Qty").Value(), Variant(0));
@@ -187,18 +172,14 @@ TEST_P(RecordAccessTest, RemoveNonNullsZeroesNumbersFalsifiesBooleansAndLeavesTh
 }
 
 TEST_P(RecordAccessTest, AssignFieldValuesToAllRecsCommitsEachRowByMovingOn) {
-  std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(
-      link_.FillRecordSet(pdsmaindata, rs, "Select * from items", adOpenStatic, adLockOptimistic));
+  auto rs = Open();
   link_.AssignFieldValuesToAllRecs(rs, "Qty", Variant(7));
   EXPECT_TRUE(rs->Eof());
   EXPECT_EQ(CountRows("Qty = 7"), 2);
 }
 
 TEST_P(RecordAccessTest, InterpretRecordErrorStatusNamesTheFieldsOfAFailedUpdate) {
-  std::shared_ptr<Recordset> rs;
-  ASSERT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items where ID = 1", adOpenStatic,
-                                  adLockOptimistic));
+  auto rs = Open("ID = 1");
   EXPECT_EQ(link_.InterpretRecordErrorStatus(pdsmaindata, nullptr, rs), "");
   rs->Fields("Qty").Value(Variant(5));
   db_.Connect()->Execute("Update items set Qty = 9 where ID = 1");  // another user got there first
