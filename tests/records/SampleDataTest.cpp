@@ -22,35 +22,33 @@ class SampleDataTest : public RecordsTest {
   std::string Ids(const std::string& table) {
     return Rows(main_db_, "SELECT ID FROM " + table + " ORDER BY ID");
   }
+  // MarkSamples: patients from 3 and visits from 10 on are sample data.
+  void MarkSamples() {
+    system_db_.Run(
+        "UPDATE DataTables SET FirstSampleDataID = 3 WHERE ID = 5; "
+        "UPDATE DataTables SET FirstSampleDataID = 10 WHERE ID = 6");
+  }
   std::string Marks() {
     return Rows(system_db_, "SELECT ID, FirstSampleDataID FROM DataTables ORDER BY ID");
   }
 };
 KELVARY_ON_EVERY_BACKEND(SampleDataTest);
 
-TEST_P(SampleDataTest, NothingMarkedNothingDeleted) {
+TEST_P(SampleDataTest, DeletesFromEveryMarkedTableAndResetsMarksOnlyOnYes) {
   auto link = Connect(cgmDefault);
   EXPECT_FALSE(link->DoesSampleDataExist());
   link->DeleteSampleData();
-  EXPECT_EQ(messages_.Texts(), Strings{"No sample data found"});
+  ExpectMessages({"No sample data found"});
   EXPECT_EQ(Ids("patients"), "1,2,3,4");
-  EXPECT_EQ(Value(main_db_, "SELECT count(*) FROM SelectedRecords"), "2");
-}
+  EXPECT_EQ(Rows(main_db_, "SELECT count(*) FROM SelectedRecords"), "2");
 
-TEST_P(SampleDataTest, DeletesFromEveryMarkedTableAndResetsMarksOnlyOnYes) {
-  system_db_.Run(
-      "UPDATE DataTables SET FirstSampleDataID = 3 WHERE ID = 5; "
-      "UPDATE DataTables SET FirstSampleDataID = 10 WHERE ID = 6");
-  auto link = Connect(cgmDefault);
+  MarkSamples();
   EXPECT_TRUE(link->DoesSampleDataExist());
   link->DeleteSampleData();  // the recorder answers No
-  EXPECT_EQ(Ids("patients"), "1,2");
-  EXPECT_EQ(Ids("visits"), "1");
-  EXPECT_EQ(Ids("Cities"), "1,2");
-  EXPECT_EQ(Value(main_db_, "SELECT count(*) FROM SelectedRecords"), "0");
-  EXPECT_EQ(messages_.Texts(),
-            (Strings{"Reset the sample data marks of the data tables ?", "Sample data deleted"}));
+  EXPECT_EQ(Ids("patients") + " " + Ids("visits") + " " + Ids("Cities"), "1,2 1 1,2");
+  EXPECT_EQ(Rows(main_db_, "SELECT count(*) FROM SelectedRecords"), "0");
   EXPECT_EQ(messages_.Messages()[0].buttons, vbYesNo);
+  ExpectMessages({"Reset the sample data marks of the data tables ?", "Sample data deleted"});
   EXPECT_EQ(Marks(), "5|3,6|10,7|0");
   EXPECT_TRUE(link->DoesSampleDataExist());
 
@@ -58,6 +56,7 @@ TEST_P(SampleDataTest, DeletesFromEveryMarkedTableAndResetsMarksOnlyOnYes) {
   link->DeleteSampleData();
   EXPECT_EQ(Marks(), "5|0,6|0,7|0");
   EXPECT_FALSE(link->DoesSampleDataExist());
+  ExpectMessages({"Reset the sample data marks of the data tables ?", "Sample data deleted"});
 }
 
 TEST_P(SampleDataTest, ATableWhoseDeleteFailsKeepsItsRowsAndItsMark) {
@@ -66,9 +65,7 @@ TEST_P(SampleDataTest, ATableWhoseDeleteFailsKeepsItsRowsAndItsMark) {
   main_db_.Run(
       "CREATE TABLE VisitLocks (VisitID INTEGER REFERENCES visits (ID));"
       "INSERT INTO VisitLocks VALUES (11)");
-  system_db_.Run(
-      "UPDATE DataTables SET FirstSampleDataID = 3 WHERE ID = 5; "
-      "UPDATE DataTables SET FirstSampleDataID = 10 WHERE ID = 6");
+  MarkSamples();
   auto link = Connect(cgmDefault);
   messages_.AnswerNext(vbOK);  // the failure
   messages_.AnswerNext(vbYes);
@@ -82,6 +79,7 @@ TEST_P(SampleDataTest, ATableWhoseDeleteFailsKeepsItsRowsAndItsMark) {
       << texts[0];
   EXPECT_EQ(texts[1], "Reset the sample data marks of the data tables ?");
   EXPECT_EQ(texts[2], "Sample data could not be deleted from : visits");
+  messages_.Clear();
 }
 
 }  // namespace
