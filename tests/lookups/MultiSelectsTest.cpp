@@ -6,7 +6,7 @@ namespace {
 using MultiSelectsTest = LookupsTest;
 KELVARY_ON_EVERY_BACKEND(MultiSelectsTest);
 
-TEST_P(MultiSelectsTest, DefinitionsNameTheirTablesLinksAndWindows) {
+TEST_P(MultiSelectsTest, DefinitionsNameTheirTablesLinksAndWindowsOrAreReported) {
   std::string descriptions, sql, display, value, store, parent;
   int32_t link = 0;
   EXPECT_EQ(link_.SupplyMultiListdata(3, descriptions, sql, display, value, &link),
@@ -28,10 +28,7 @@ TEST_P(MultiSelectsTest, DefinitionsNameTheirTablesLinksAndWindows) {
   EXPECT_EQ(link_.SupplyMultiListdata(8, descriptions, sql, display, value), "");
   EXPECT_EQ(link_.GetMultiSettings(9, store), 0);
   EXPECT_EQ(descriptions + store, "--");
-}
-
-TEST_P(MultiSelectsTest, MissingDefinitionsAreReportedEachInItsOwnWords) {
-  std::string descriptions, sql, display, value, store = "-";
+  // Missing definitions are reported, each in its own words.
   EXPECT_EQ(link_.SupplyMultiListdata(99, descriptions, sql, display, value), "");
   EXPECT_EQ(link_.GetMultiListParentWnd(99), 0);
   EXPECT_EQ(link_.GetMultiSettings(99, store), 0);  // silently

@@ -50,7 +50,7 @@ class RecordAccessTest : public testing::BackendTest {
 };
 KELVARY_ON_EVERY_BACKEND(RecordAccessTest);
 
-TEST_P(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheRecordsetOpen) {
+TEST_P(RecordAccessTest, FillRecordSetTellsWhetherRowsCameBackAndShowsItsFailures) {
   std::shared_ptr<Recordset> rs;
   EXPECT_TRUE(link_.FillRecordSet(pdsmaindata, rs, "Select * from items order by ID",
                                   adOpenForwardOnly, adLockReadOnly));
@@ -62,10 +62,8 @@ TEST_P(RecordAccessTest, FillRecordSetReportsWhetherRowsCameBackAndLeavesTheReco
   EXPECT_TRUE(rs->Eof());
   EXPECT_TRUE(messages_.Texts().empty());
   EXPECT_TRUE(history_.empty());  // LogFileEntrySetting 0 passes nothing on
-}
 
-TEST_P(RecordAccessTest, FillRecordSetShowsItsFailures) {
-  std::shared_ptr<Recordset> rs;
+  // Failures are shown, and not passed to the history.
   EXPECT_FALSE(
       link_.FillRecordSet(pdsRawData, rs, "Select * from items", adOpenStatic, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 2u);
@@ -79,7 +77,7 @@ TEST_P(RecordAccessTest, FillRecordSetShowsItsFailures) {
       link_.FillRecordSet(pdsmaindata, rs, "Select * from nowhere", adOpenStatic, adLockReadOnly));
   ASSERT_EQ(messages_.Texts().size(), 1u);
   EXPECT_NE(messages_.Texts()[0].find(Traits().MissingTable("nowhere")), std::string::npos);
-  EXPECT_TRUE(history_.empty());  // a failure is not passed to the history
+  EXPECT_TRUE(history_.empty());
 }
 
 TEST_P(RecordAccessTest, APendingChangeIsDroppedWhenTheRecordsetIsReopenedOrClosed) {
