@@ -1,12 +1,11 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "LookupsFixture.h"
+#include "kelvary/lookups/MetadataIndex.h"
+#include "support/TestDatabase.h"
 
 namespace kelvary::testing {
 namespace {
 
-using ::testing::ElementsAre;
+using lookups::MetadataIndex;
 
 class SearchLinksTest : public LookupsTest {
  protected:
@@ -30,33 +29,27 @@ KELVARY_ON_EVERY_BACKEND(SearchLinksTest);
 
 TEST_P(SearchLinksTest, DetailsComeFromTheLinkAndItsTable) {
   AddSearchLink(11, 7, "LoginName", "NULL", "NULL", "NULL", "NULL", "'LastName'", "111");
-  Reload();
-  const Details d = Get(10);
-  EXPECT_EQ(d.window, 110);
-  EXPECT_EQ(d.display + d.value + d.table_name + d.caption, "DescriptionIDCitiesChoose 10");
-  EXPECT_EQ(d.table, 1);
-  EXPECT_EQ(d.source, pdsmaindata);
-  EXPECT_FALSE(d.many);  // Null reads as False
-  EXPECT_EQ(d.secondary, "");
-  EXPECT_EQ(d.sql, "Select  Description , ID from Cities Order by Description");
-  EXPECT_EQ(Get(11).source, pdssystem);  // the table's location
-  EXPECT_EQ(Get(11).secondary, "LastName");
-  EXPECT_TRUE(Get(20).many);
-  EXPECT_TRUE(Messages().empty());
-}
-
-TEST_P(SearchLinksTest, TheLinksOwnNewScreenWinsOverItsTables) {
-  // Cities (table 1) has new-entry screen 5; patients (table 2) none.
+  // Cities (table 1) has new-entry screen 5, patients (2) none; the link's
+  // own screen wins when above 0.
   AddSearchLink(41, 1, "Description", "NULL", "NULL", "0");
   AddSearchLink(42, 1, "Description", "NULL", "NULL", "7");
   AddSearchLink(43, 2, "FirstName", "NULL", "NULL", "NULL");
   AddSearchLink(44, 1, "Description", "NULL", "NULL", "-3");
   Reload();
-  EXPECT_EQ(Get(10).screen, 5);  // link's own Null
-  EXPECT_EQ(Get(41).screen, 5);  // link's own 0
-  EXPECT_EQ(Get(42).screen, 7);
-  EXPECT_EQ(Get(43).screen, 0);
-  EXPECT_EQ(Get(44).screen, 5);
+  const Details d = Get(10);
+  EXPECT_EQ(d.window, 110);
+  EXPECT_EQ(d.display + d.value + d.table_name + d.caption + d.secondary,
+            "DescriptionIDCitiesChoose 10");
+  EXPECT_EQ(d.table, 1);
+  EXPECT_EQ(d.source, pdsmaindata);
+  EXPECT_FALSE(d.many);  // Null reads as False
+  EXPECT_EQ(d.sql, "Select  Description , ID from Cities Order by Description");
+  EXPECT_EQ(Get(11).source, pdssystem);  // the table's location
+  EXPECT_EQ(Get(11).secondary, "LastName");
+  EXPECT_TRUE(Get(20).many);
+  for (const auto& [id, screen] :
+       std::vector<std::pair<int, int>>{{10, 5}, {41, 5}, {42, 7}, {43, 0}, {44, 5}})
+    EXPECT_EQ(Get(id).screen, screen) << "link " << id;
 }
 
 TEST_P(SearchLinksTest, AWhereClauseGetsAnOrderClauseUnlessItEndsInALowerCaseOne) {
@@ -90,7 +83,6 @@ TEST_P(SearchLinksTest, AHandWrittenStatementServesDetailsButNotDescriptionsOrLi
   EXPECT_EQ(Selects().back(), "Select Description , ID from Allergies where ( ID = 13 ) ");
   link_.FillComboWithOptions(list, 42);
   EXPECT_EQ(Selects().back(), "Select Description , ID from Allergies");
-  EXPECT_TRUE(Messages().empty());
 }
 
 TEST_P(SearchLinksTest, DescriptionsOfCodesPersonsAndMultiSelectValues) {
@@ -101,32 +93,29 @@ TEST_P(SearchLinksTest, DescriptionsOfCodesPersonsAndMultiSelectValues) {
   EXPECT_EQ(link_.GetDescription(20, 2, int16_t{3}), "Anna   Maria   Berg");
   // A multi-select value describes through its parent's link (20).
   EXPECT_EQ(link_.GetDescription(-7000099, 2), "Anna  Maria  Berg");
-  EXPECT_TRUE(Messages().empty());
-}
-
-TEST_P(SearchLinksTest, AMissingLinkIsReportedAndLeavesTheOutArgumentsAlone) {
+  ExpectMessages({});
+  // A missing link is reported and leaves the out-arguments alone.
   const Details missing = Get(99);
   EXPECT_EQ(missing.window, 0);
   EXPECT_EQ(missing.display + missing.sql, "--");
   EXPECT_TRUE(missing.many);
   EXPECT_EQ(link_.GetDescription(99, 1), "");
   EXPECT_EQ(link_.GetDescription(-9000001, 1), "");
-  EXPECT_THAT(Messages(), ElementsAre("Problem in SearchLinkID 99",
-                                      "Problem in GetDescription for SearchLinkID 99",
-                                      "Could not Locate MultiListID = 9",
-                                      "Problem in GetDescription for SearchLinkID -9000001"));
+  ExpectMessages({"Problem in SearchLinkID 99", "Problem in GetDescription for SearchLinkID 99",
+                  "Could not Locate MultiListID = 9",
+                  "Problem in GetDescription for SearchLinkID -9000001"});
 }
 
 TEST_P(SearchLinksTest, ControlTypeFollowsTheSizeOfTheList) {
-  Variant many;
-  EXPECT_EQ(link_.GetSrchlinkControlType(20, many), ctSearchWindow);
-  EXPECT_EQ(many, Variant(true));
-  EXPECT_EQ(link_.GetSrchlinkControlType(10, many), ctDropDownList);
-  EXPECT_EQ(many, Variant(false));
   // Multi-select values need no look-up: there is no multi-select 5.
-  EXPECT_EQ(link_.GetSrchlinkControlType(-5000001, many), ctSearchWindow);
-  EXPECT_EQ(many, Variant(true));
-  EXPECT_TRUE(Messages().empty());
+  for (const auto& [id, type, large] :
+       std::vector<std::tuple<int, ControlTypes, bool>>{{20, ctSearchWindow, true},
+                                                        {10, ctDropDownList, false},
+                                                        {-5000001, ctSearchWindow, true}}) {
+    Variant many;
+    EXPECT_EQ(link_.GetSrchlinkControlType(id, many), type) << "link " << id;
+    EXPECT_EQ(many, Variant(large)) << "link " << id;
+  }
 }
 
 TEST_P(SearchLinksTest, DefinitionTableOfLinksAndMultiSelectValuesRoundingHalvesToEven) {
@@ -140,24 +129,22 @@ TEST_P(SearchLinksTest, DefinitionTableOfLinksAndMultiSelectValuesRoundingHalves
   EXPECT_EQ(link_.GetDefinitionTable(-2500000), 1);  // 2.5 -> 2, link 10
   EXPECT_EQ(link_.GetDefinitionTable(-3500000), 3);  // 3.5 -> 4, link 30
   EXPECT_EQ(link_.GetDefinitionTable(-4500000), 3);  // 4.5 -> 4
-  EXPECT_TRUE(Messages().empty());
   EXPECT_EQ(link_.GetDefinitionTable(-9000000), 0);
-  EXPECT_THAT(Messages(), ElementsAre("Problem in SearchLinkID 0"));
+  ExpectMessages({"Problem in SearchLinkID 0"});
 }
 
 TEST_P(SearchLinksTest, LookUpsAfterInitListsNeverReadTheSearchLinksAgain) {
   EXPECT_EQ(SelectsMentioning("FillNSearchLinks"), 2);  // the two caches, once each
   RecordingListControl list;
   Variant many;
-  for (int round = 0; round < 3; ++round) {
-    Get(10);
-    link_.GetDescription(-3000012, 1);
-    link_.FillComboWithOptions(list, 30);
-    link_.FillWithMultiListOptions(20, list);
-    link_.GetDefinitionTable(-7000001);
-    link_.GetSrchlinkControlType(31, many);
-  }
-  EXPECT_GT(Selects().size(), 10u);
+  const size_t before = Selects().size();
+  Get(10);
+  link_.GetDescription(-3000012, 1);
+  link_.FillComboWithOptions(list, 30);
+  link_.FillWithMultiListOptions(20, list);
+  link_.GetDefinitionTable(-7000001);
+  link_.GetSrchlinkControlType(31, many);
+  EXPECT_GT(Selects().size(), before);
   EXPECT_EQ(SelectsMentioning("FillNSearchLinks"), 2);
 
   // The cache is what InitLists read: a new link is seen after the next one.
@@ -165,7 +152,55 @@ TEST_P(SearchLinksTest, LookUpsAfterInitListsNeverReadTheSearchLinksAgain) {
   EXPECT_EQ(Get(50).window, 0);
   Reload();
   EXPECT_EQ(Get(50).table_name, "Allergies");
-  EXPECT_THAT(Messages(), ElementsAre("Problem in SearchLinkID 50"));
+  ExpectMessages({"Problem in SearchLinkID 50"});
+}
+
+// The index answers as a forward find on the cache from its first row:
+// the first row with the ID wins, Null never matches, text that reads as
+// the number does. Rows are told apart by their caption.
+TEST(MetadataIndexTest, TheFirstRowWithTheIdWinsAndNullNeverMatches) {
+  TestDatabase db;
+  db.Run(
+      "CREATE TABLE Links (ID, SLDefNewScreen, SecondaryDisplayField, SQLStmt, SearchValueField, "
+      "SearchDisplayField, SelectCaption, LargeNumberOFEntries, SearchWhereClause, SearchTable, "
+      "SearchWnd, ValuesTable, DTDefNewScreenID, TableLocation);"
+      "INSERT INTO Links (ID, SelectCaption, SQLStmt) VALUES (5, 'first five', NULL), "
+      "(5, 'second five', 'x'), (NULL, 'no id', 'x'), ('7', 'text seven', 'x'), "
+      "(2.5, 'a fraction', 'x'), (-3, 'negative', 'x');"
+      "CREATE TABLE Multis (ParentSearchLinkID, SearchLinkID, StoreTableID, StoreTableName, ID, "
+      "DescriptionTable, ParentTableID, ParentSrchWnd, ParentTableName);"
+      "INSERT INTO Multis (ID, DescriptionTable, StoreTableName) VALUES (NULL, 'no id', 'S'), "
+      "(3, 'first three', NULL), (3, 'second three', 'S')");
+  auto links = std::make_shared<Recordset>();
+  links->Open("SELECT * FROM Links ORDER BY rowid", db.Connection());
+  auto multis = std::make_shared<Recordset>();
+  multis->Open("SELECT * FROM Multis ORDER BY rowid", db.Connection());
+  const MetadataIndex index(links, multis);
+
+  EXPECT_EQ(index.SearchLinkCount(), 6);
+  ASSERT_NE(index.FindSearchLink(5), nullptr);
+  EXPECT_EQ(index.FindSearchLink(5)->SelectCaption, "first five");
+  EXPECT_EQ(index.FindSearchLink(5)->SQLStmt, "");  // Null text reads as ""
+  ASSERT_NE(index.FindSearchLink(7), nullptr);
+  EXPECT_EQ(index.FindSearchLink(7)->SelectCaption, "text seven");
+  ASSERT_NE(index.FindSearchLink(-3), nullptr);
+  EXPECT_EQ(index.FindSearchLink(2), nullptr);
+  EXPECT_EQ(index.FindSearchLink(3), nullptr);
+  EXPECT_EQ(index.FindSearchLink(0), nullptr);
+
+  EXPECT_EQ(index.MultiSelectCount(), 3);
+  ASSERT_NE(index.FindMultiSelect(3), nullptr);
+  EXPECT_EQ(index.FindMultiSelect(3)->DescriptionTable, "first three");
+  EXPECT_TRUE(index.FindMultiSelect(3)->StoreTableName.IsNull());  // Null-ness kept
+  EXPECT_EQ(index.FindMultiSelect(0), nullptr);
+  EXPECT_EQ(index.MultiSelects()[0].DescriptionTable, "no id");  // cache order kept
+}
+
+TEST(MetadataIndexTest, CachesNeverLoadedOrClosedHoldNothing) {
+  const MetadataIndex never(nullptr, std::make_shared<Recordset>());
+  EXPECT_EQ(never.SearchLinkCount(), 0);
+  EXPECT_EQ(never.MultiSelectCount(), 0);
+  EXPECT_EQ(never.FindSearchLink(1), nullptr);
 }
 
 }  // namespace

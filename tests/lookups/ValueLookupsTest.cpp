@@ -1,13 +1,7 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "LookupsFixture.h"
 
 namespace kelvary::testing {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 using ValueLookupsTest = LookupsTest;
 KELVARY_ON_EVERY_BACKEND(ValueLookupsTest);
@@ -39,10 +33,10 @@ TEST_P(ValueLookupsTest, DescriptionFromCodeByTableNameOrByStatement) {
   EXPECT_EQ(Selects().back(), cities + " where ( ID = 3 ) ");
   link_.GetDescriptionFromCode(3, "", "Description", "ID", pdsmaindata, cities + " where ID > 0");
   EXPECT_EQ(Selects().back(), cities + " where ID > 0 AND ( ID = 3 ) ");
-  EXPECT_TRUE(Messages().empty());
   link_.GetDescriptionFromCode(3, "", "Description", "ID", pdsmaindata, cities + " WHERE ID > 0");
   ASSERT_EQ(Messages().size(), 1u);
   EXPECT_THAT(Messages()[0], HasSubstr(cities + " WHERE ID > 0 where ( ID = 3 ) "));
+  messages_.Clear();
 }
 
 TEST_P(ValueLookupsTest, DescriptionFromCodeComposesNamesAndFallsBackToTheSecondColumn) {
@@ -106,7 +100,6 @@ TEST_P(ValueLookupsTest, UserDataLocationIsTheUsersTablesLocation) {
   EXPECT_EQ(link_.InterpretUserDataLocation(), pdsmaindata);
   Config("DELETE FROM DataTables WHERE ValuesTable = 'Users'");
   EXPECT_EQ(link_.InterpretUserDataLocation(), pdsRawData);
-  EXPECT_TRUE(Messages().empty());
 }
 
 TEST_P(ValueLookupsTest, ParentWalkStopsAtTheFirstPositiveValueAndNeverAsksTheRoot) {
@@ -141,9 +134,8 @@ TEST_P(ValueLookupsTest, CheckListAttributeAndTableIdByName) {
     EXPECT_EQ(link_.GetTableIDFromName("drug%"), 5);
   }
   EXPECT_EQ(link_.GetTableIDFromName(""), 0);
-  EXPECT_TRUE(Messages().empty());
   EXPECT_EQ(link_.GetTableIDFromName("Wards"), 0);
-  EXPECT_THAT(Messages(), ElementsAre("Use Dravent to define Wards"));
+  ExpectMessages({"Use Dravent to define Wards"});
 }
 
 }  // namespace

@@ -116,16 +116,19 @@ class RecordsTest : public BackendTest {
     return link;
   }
 
-  // Value: the first column of the first row of sql on db, as text ("" for
-  // Null, "none" when there is no row).
-  static std::string Value(const BackendDatabase& db, const std::string& sql) {
-    auto rs = std::make_shared<Recordset>();
-    rs->Open(sql, db.Connection(), adOpenStatic, adLockReadOnly);
-    return rs->Eof() ? "none" : TextOf(rs->Fields(0).Value());
-  }
-
+  // Rows: every row sql reads on db, as text ("" for Null): "1|a,2|b".
   static std::string Rows(const BackendDatabase& db, const std::string& sql) {
     return testing::Rows(db.Connection(), sql);
+  }
+  // ExpectMessages: the messages shown so far are texts; they are then
+  // forgotten. Every test ends with none left unchecked.
+  void ExpectMessages(const std::vector<std::string>& texts) {
+    EXPECT_EQ(messages_.Texts(), texts);
+    messages_.Clear();
+  }
+  void TearDown() override {
+    EXPECT_EQ(messages_.Texts(), std::vector<std::string>{});
+    BackendTest::TearDown();
   }
 
   BackendDatabase main_db_;

@@ -33,7 +33,7 @@ TEST_P(SafeDeleteTest, KeyAndShowableClauses) {
   EXPECT_EQ(link->GetKeyFieldSQL(false, "t", 0, 2.5, "", "B"),
             "Select * from t Where  ( B = 2.5 ) ");
   EXPECT_EQ(link->GetKeyFieldSQL(false, "t", 1, 2, "", ""), "");
-  EXPECT_EQ(messages_.Texts(), Strings{"No Key Fields defined for table : t"});
+  ExpectMessages({"No Key Fields defined for table : t"});
   EXPECT_EQ(link->GetShowableRecordClause("P", true), "");
   link->UseSafeDelete = true;
   EXPECT_EQ(link->GetShowableRecordClause("P", true), " AND  ( P.RecordStatus <> 1 ) ");
@@ -60,7 +60,6 @@ TEST_P(SafeDeleteTest, SingleRecordByStatementMarksOrDeletesThenPostsMarkedAsDel
   events_->lines.clear();
   link->SafeDeleteRecord(pdssystem, 0, "patients", 12, 9, 0, "ID", "", none);
   EXPECT_TRUE(events_->lines.empty());
-  EXPECT_TRUE(messages_.Texts().empty());
 }
 
 TEST_P(SafeDeleteTest, SingleRecordOnTheCallersRecordset) {
@@ -87,7 +86,7 @@ TEST_P(SafeDeleteTest, MassDeletePostsEachRowBeforeItGoesWithUserMinusOne) {
       "INSERT INTO DataTableFields (ID, DataTableID, FieldName, Flags) VALUES "
       "(1, 5, 'LastName', 2), (2, 5, 'ID', 129)");
   auto link = Connect(cgmDefault);
-  events_->check = [this] { return Value(main_db_, "SELECT count(*) FROM patients"); };
+  events_->check = [this] { return Rows(main_db_, "SELECT count(*) FROM patients"); };
   // The unique key (ID) comes from the catalogue; DTableId 0 is passed on
   // as 0 and resolved by the history itself.
   link->MassSafeDeleteEntries(pdsmaindata, 0, "patients", 42, 0, 0, "LastName = 'b'", "", "");
@@ -100,13 +99,12 @@ TEST_P(SafeDeleteTest, MassDeletePostsEachRowBeforeItGoesWithUserMinusOne) {
   events_->lines.clear();
   link->MassSafeDeleteEntries(pdsmaindata, 5, "patients", 42, 99, 0, "", "ID", "");
   EXPECT_TRUE(events_->lines.empty());
-  EXPECT_TRUE(messages_.Texts().empty());
 }
 
 TEST_P(SafeDeleteTest, MassSafeDeleteMarksRowsOfTheCallersRecordsetAndClosesIt) {
   auto link = Connect(cgmDefault);
   link->UseSafeDelete = true;
-  events_->check = [this] { return Value(main_db_, "SELECT sum(RecordStatus) FROM patients"); };
+  events_->check = [this] { return Rows(main_db_, "SELECT sum(RecordStatus) FROM patients"); };
   // The key values are the rows' own; a text key reads as a number.
   main_db_.Run("UPDATE patients SET LastName = '4'");
   std::shared_ptr<Recordset> rs;
@@ -128,17 +126,15 @@ TEST_P(SafeDeleteTest, MassDeleteWithoutUniqueKeysTouchesNothing) {
   auto link = Connect(cgmDefault);
   events_->check = nullptr;
   link->MassSafeDeleteEntries(pdsmaindata, 5, "patients", 1, 0, 0, "ID > 0", "", "");
-  EXPECT_EQ(messages_.Texts(), Strings{"Unique keys not found for patients"});
-  EXPECT_EQ(Value(main_db_, "SELECT count(*) FROM patients"), "3");
+  ExpectMessages({"Unique keys not found for patients"});
+  EXPECT_EQ(Rows(main_db_, "SELECT count(*) FROM patients"), "3");
   EXPECT_TRUE(events_->lines.empty());
   // More than two unique fields: the first two serve, after a message.
-  messages_.Clear();
   main_db_.Run(
       "CREATE TABLE visits2 (A INTEGER PRIMARY KEY, B INTEGER, C INTEGER); "
       "INSERT INTO visits2 VALUES (1, 2, 3)");
   link->MassSafeDeleteEntries(pdsmaindata, 6, "visits2", 1, 0, 0, "C = 3", "", "");
-  EXPECT_EQ(messages_.Texts(),
-            Strings{"Not handled more than 2 fields for a unique value combination"});
+  ExpectMessages({"Not handled more than 2 fields for a unique value combination"});
   EXPECT_EQ(events_->lines.front(), "Before 1 2 6 visits2 -1 1 2 A B continue");
 }
 
@@ -169,7 +165,7 @@ TEST_P(SafeDeleteTest, ActionHistoryResolvesTheTableAndHonoursBContinue) {
   EXPECT_EQ(
       link->PostRecordActionHistory(pdsmaindata, dbratAdded, 0, "nosuchtable", 3, 1, 2, "ID", ""),
       Variant(false));
-  EXPECT_EQ(messages_.Texts(), Strings{"Use Dravent to define nosuchtable"});
+  ExpectMessages({"Use Dravent to define nosuchtable"});
   auto second = std::make_shared<testing::EventLog>();
   link->Advise(second);
   events_->clear_continue = true;
@@ -191,8 +187,81 @@ TEST_P(SafeDeleteTest, HandlerFailuresAreShownNotThrown) {
   EXPECT_EQ(
       link->PostRecordActionHistory(pdsmaindata, dbratAdded, 5, "patients", 3, 1, 2, "ID", ""),
       Variant(false));
-  EXPECT_EQ(messages_.Texts(),
-            Strings{"Error Encountered while Transferring Records\r\naudit table is read-only"});
+  ExpectMessages({"Error Encountered while Transferring Records\r\naudit table is read-only"});
+}
+
+class SampleDataTest : public RecordsTest {
+ protected:
+  void SetUp() override {
+    RecordsTest::SetUp();
+    if (IsSkipped()) return;
+    main_db_.Run(
+        "INSERT INTO patients (ID) VALUES (1), (2), (3), (4); "
+        "INSERT INTO visits (ID, PatientID) VALUES (1, 1), (10, 3), (11, 4); "
+        "INSERT INTO Cities (ID) VALUES (1), (2); "
+        "INSERT INTO SelectedRecords (ID, DataTableID, RecordID) VALUES (1, 5, 3), (2, 6, 10)");
+  }
+  std::string Ids(const std::string& table) {
+    return Rows(main_db_, "SELECT ID FROM " + table + " ORDER BY ID");
+  }
+  // MarkSamples: patients from 3 and visits from 10 on are sample data.
+  void MarkSamples() {
+    system_db_.Run(
+        "UPDATE DataTables SET FirstSampleDataID = 3 WHERE ID = 5; "
+        "UPDATE DataTables SET FirstSampleDataID = 10 WHERE ID = 6");
+  }
+  std::string Marks() {
+    return Rows(system_db_, "SELECT ID, FirstSampleDataID FROM DataTables ORDER BY ID");
+  }
+};
+KELVARY_ON_EVERY_BACKEND(SampleDataTest);
+
+TEST_P(SampleDataTest, DeletesFromEveryMarkedTableAndResetsMarksOnlyOnYes) {
+  auto link = Connect(cgmDefault);
+  EXPECT_FALSE(link->DoesSampleDataExist());
+  link->DeleteSampleData();
+  ExpectMessages({"No sample data found"});
+  EXPECT_EQ(Ids("patients"), "1,2,3,4");
+  EXPECT_EQ(Rows(main_db_, "SELECT count(*) FROM SelectedRecords"), "2");
+
+  MarkSamples();
+  EXPECT_TRUE(link->DoesSampleDataExist());
+  link->DeleteSampleData();  // the recorder answers No
+  EXPECT_EQ(Ids("patients") + " " + Ids("visits") + " " + Ids("Cities"), "1,2 1 1,2");
+  EXPECT_EQ(Rows(main_db_, "SELECT count(*) FROM SelectedRecords"), "0");
+  EXPECT_EQ(messages_.Messages()[0].buttons, vbYesNo);
+  ExpectMessages({"Reset the sample data marks of the data tables ?", "Sample data deleted"});
+  EXPECT_EQ(Marks(), "5|3,6|10,7|0");
+  EXPECT_TRUE(link->DoesSampleDataExist());
+
+  messages_.AnswerNext(vbYes);
+  link->DeleteSampleData();
+  EXPECT_EQ(Marks(), "5|0,6|0,7|0");
+  EXPECT_FALSE(link->DoesSampleDataExist());
+  ExpectMessages({"Reset the sample data marks of the data tables ?", "Sample data deleted"});
+}
+
+TEST_P(SampleDataTest, ATableWhoseDeleteFailsKeepsItsRowsAndItsMark) {
+  // The last sample visit refuses to go (a row elsewhere refers to it):
+  // the whole table stays as it was.
+  main_db_.Run(
+      "CREATE TABLE VisitLocks (VisitID INTEGER REFERENCES visits (ID));"
+      "INSERT INTO VisitLocks VALUES (11)");
+  MarkSamples();
+  auto link = Connect(cgmDefault);
+  messages_.AnswerNext(vbOK);  // the failure
+  messages_.AnswerNext(vbYes);
+  link->DeleteSampleData();
+  EXPECT_EQ(Ids("visits"), "1,10,11");
+  EXPECT_EQ(Ids("patients"), "1,2");
+  EXPECT_EQ(Marks(), "5|0,6|10,7|0");
+  const Strings texts = messages_.Texts();
+  ASSERT_EQ(texts.size(), 3u);
+  EXPECT_EQ(texts[0].rfind("Error executing sql : Delete from visits where ID >= 10\r\n", 0), 0u)
+      << texts[0];
+  EXPECT_EQ(texts[1], "Reset the sample data marks of the data tables ?");
+  EXPECT_EQ(texts[2], "Sample data could not be deleted from : visits");
+  messages_.Clear();
 }
 
 }  // namespace
