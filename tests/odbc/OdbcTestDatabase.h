@@ -17,9 +17,21 @@
 #include <string>
 #include <vector>
 
+#include "kelvary/platform/Error.h"
 #include "kelvary/platform/drivers/Driver.h"
 
 namespace kelvary::testing {
+
+// ErrorOf runs f and returns the Error it raised (number 0 when none).
+template <class F>
+Error ErrorOf(F&& f) {
+  try {
+    f();
+  } catch (const Error& e) {
+    return e;
+  }
+  return Error(0, "no error");
+}
 
 // EnvOr: an environment variable, or "" when unset.
 inline std::string EnvOr(const char* name) {
