@@ -66,26 +66,6 @@ TEST(OdbcConnect, UnknownDataSourceIsAnErrorWithSqlState) {
 
 using OdbcRun = OdbcTest;
 
-TEST_F(OdbcRun, StatementsReportTheRowsTheyChanged) {
-  const std::string t = Table("counts");
-  const StatementResult created =
-      Exec("CREATE TABLE " + t + " (id integer PRIMARY KEY, v integer)");
-  EXPECT_FALSE(created.has_rows);
-  EXPECT_EQ(Exec("INSERT INTO " + t + " VALUES (1, 10), (2, 20), (3, 30)").records_affected, 3);
-  EXPECT_EQ(Exec("UPDATE " + t + " SET v = v + 1 WHERE id >= 2").records_affected, 2);
-  EXPECT_EQ(Exec("UPDATE " + t + " SET v = 0 WHERE id = 99").records_affected, 0);
-  EXPECT_EQ(Exec("DELETE FROM " + t + " WHERE id = 1").records_affected, 1);
-  const StatementResult select = Exec("SELECT id, v FROM " + t + " ORDER BY id");
-  EXPECT_TRUE(select.has_rows);
-  EXPECT_EQ(select.records_affected, -1);
-  ASSERT_EQ(select.rows.RowCount(), 2u);
-  EXPECT_EQ(select.rows.Cell(1, 1), Variant(int32_t{31}));
-  const StatementResult none = Exec("SELECT id FROM " + t + " WHERE id < 0");
-  EXPECT_TRUE(none.has_rows);
-  EXPECT_EQ(none.rows.RowCount(), 0u);
-  EXPECT_EQ(none.rows.columns.size(), 1u);
-}
-
 TEST_F(OdbcRun, FailuresCarryTheServersMessageSqlStateAndStatement) {
   const std::string bad_table = "SELECT * FROM kelvary_no_such_table";
   Error e = ErrorOf([&] { Exec(bad_table); });
