@@ -30,7 +30,6 @@ TEST(OdbcConnect, ByDataSourceNameAndByDriverString) {
 
   for (const std::string& how : {"DSN=" + dsn, dsn}) {
     auto db = OpenOdbcConnection(how, "", "");
-    EXPECT_EQ(db->Name(), "ODBC");
     const StatementResult r = db->Run("SELECT 41 + 1 AS answer", {}, 0);
     ASSERT_TRUE(r.has_rows) << how;
     EXPECT_EQ(r.rows.columns[0].name, "answer");
@@ -144,22 +143,17 @@ TEST_F(OdbcRun, ColumnsNameTheirBaseTableKeyAndGeneratedValues) {
        "integer)");
   const StatementResult r =
       Exec("SELECT id, name AS patient, n + 1 AS next FROM " + t + " WHERE id > 0");
+  // name base_table.base_column, then key and auto when set
+  const auto describe = [](const ColumnInfo& c) {
+    return c.name + " " + c.base_table + "." + c.base_column + (c.key ? " key" : "") +
+           (c.auto_increment ? " auto" : "");
+  };
   const auto& c = r.rows.columns;
   ASSERT_EQ(c.size(), 3u);
-  EXPECT_EQ(c[0].base_table, t);
-  EXPECT_EQ(c[0].base_column, "id");
-  EXPECT_TRUE(c[0].key);
-  EXPECT_TRUE(c[0].auto_increment);
+  EXPECT_EQ(describe(c[0]), "id " + t + ".id key auto");
+  EXPECT_EQ(describe(c[1]), "patient " + t + ".name");
+  EXPECT_EQ(describe(c[2]), "next .");  // an expression
   EXPECT_FALSE(c[0].nullable);
-  EXPECT_EQ(c[1].name, "patient");
-  EXPECT_EQ(c[1].base_table, t);
-  EXPECT_EQ(c[1].base_column, "name");
-  EXPECT_FALSE(c[1].key);
-  EXPECT_FALSE(c[1].auto_increment);
-  EXPECT_EQ(c[2].name, "next");
-  EXPECT_EQ(c[2].base_table, "");  // an expression
-  EXPECT_EQ(c[2].base_column, "");
-  EXPECT_FALSE(c[2].key);
 }
 
 TEST_F(OdbcRun, UnicodeTextRoundTripsAsUtf8) {
