@@ -21,12 +21,8 @@ namespace {
 
 class OdbcRecordset : public OdbcTest {
  protected:
-  void SetUp() override {
-    OdbcTest::SetUp();
-    if (IsSkipped()) return;
-    connection_ = Connect();
-  }
-
+  // Connect: a connection by the application's string for the data source,
+  // the command timeout set before it opens when one is given.
   std::shared_ptr<Connection> Connect(int32_t command_timeout = -1) {
     auto connection = std::make_shared<Connection>();
     if (command_timeout >= 0) connection->CommandTimeout(command_timeout);
@@ -34,8 +30,6 @@ class OdbcRecordset : public OdbcTest {
                      ";Data Provider=MSDASQL");
     return connection;
   }
-
-  std::shared_ptr<Connection> connection_;
 };
 
 TEST_F(OdbcRecordset, ShapeRelatesByTheNamesAsWrittenWhateverCaseTheServerReports) {
@@ -47,11 +41,12 @@ TEST_F(OdbcRecordset, ShapeRelatesByTheNamesAsWrittenWhateverCaseTheServerReport
   Exec("INSERT INTO " + visits +
        " VALUES (10, 1, 'checkup'), (11, 3, 'flu'), (12, 1, 'x-ray'), (13, 99, 'orphan'),"
        " (14, NULL, 'walk-in')");
+  auto connection = Connect();
   auto rs = std::make_shared<Recordset>();
   rs->Open(" SHAPE { Select ID,Name From " + patients +
                " Order By ID  } as Patients APPEND ({Select ID,PatientID,Reason From " + visits +
                " Order By ID  }   as Visits RELATE 'ID' TO  'PatientID' ) AS Visits",
-           connection_, adOpenKeyset, adLockReadOnly);
+           connection, adOpenKeyset, adLockReadOnly);
   EXPECT_EQ(rs->Fields(0).Name(), "id");
   EXPECT_EQ(rs->Fields(2).Name(), "Visits");
   // INTEGER parents meet BIGINT children; Null and unknown parents meet nobody.
@@ -68,9 +63,10 @@ TEST_F(OdbcRecordset, CommandTimeoutIsTheServersLockWait) {
   const auto lock_timeout = [](Connection& c) {
     return c.Execute("SHOW lock_timeout")->Fields(0).Value();
   };
-  EXPECT_EQ(lock_timeout(*connection_), Variant("30s"));  // the default, set at open
-  connection_->CommandTimeout(0);
-  EXPECT_EQ(lock_timeout(*connection_), Variant("0"));  // wait as long as it takes
+  auto connection = Connect();
+  EXPECT_EQ(lock_timeout(*connection), Variant("30s"));  // the default, set at open
+  connection->CommandTimeout(0);
+  EXPECT_EQ(lock_timeout(*connection), Variant("0"));  // wait as long as it takes
   EXPECT_EQ(lock_timeout(*Connect(5)), Variant("5s"));
 }
 
