@@ -1,19 +1,21 @@
-// Runs every case of tests/query/cases/ on every backend: a stored
-// definition in a real database becomes its exact statement, condition
-// texts and, for one-level queries, the demo practice's rows.
+// Runs every case of tests/query/cases/ (the format is in cases/README.md) on
+// every backend: a stored definition in a real database becomes its exact
+// statement, condition texts and, for one-level queries, the demo practice's
+// rows.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <memory>
+#include <fstream>
+#include <optional>
 #include <regex>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "DemoPractice.h"
-#include "QueryCase.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/query/QueryInterpretor.h"
 #include "support/Backend.h"
@@ -22,61 +24,149 @@
 namespace kelvary::testing {
 namespace {
 
-int32_t Number(const std::string& text) {
-  return static_cast<int32_t>(std::stol(text));
+using Table = std::vector<std::vector<std::string>>;
+
+struct QueryCase {
+  std::string name, purpose, definition;
+  std::vector<std::string> host, messages;
+  std::optional<std::string> statement;
+  std::optional<std::vector<std::string>> conditions;  // one per root group
+  std::optional<Table> rows;                           // the header line first
+};
+
+std::string Trim(const std::string& s) {
+  const size_t first = s.find_first_not_of(" \t\r");
+  if (first == std::string::npos) return "";
+  return s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
 }
 
-std::shared_ptr<QueryShapeNest> Level(QueryInterpretor& qi, const std::string& id) {
-  return qi.ShapeNests()->Item("S" + id);
+// A quoted line: "text" with "" standing for one quote. The quotes keep
+// leading and trailing blanks visible.
+std::string Unquote(const std::string& line, const std::string& where) {
+  const std::string t = Trim(line);
+  if (t.size() < 2 || t.front() != '"' || t.back() != '"')
+    throw std::runtime_error(where + ": expected a quoted line");
+  std::string out;
+  for (size_t i = 1; i + 1 < t.size(); ++i) {
+    if (t[i] == '"' && i + 2 < t.size() && t[i + 1] == '"') ++i;
+    out += t[i];
+  }
+  return out;
 }
 
-// Apply carries out one host directive (see cases/README.md).
-void Apply(QueryInterpretor& qi, const std::vector<std::string>& d) {
-  const std::string& verb = d.at(0);
+std::vector<std::string> SplitCells(const std::string& line) {
+  std::vector<std::string> cells;
+  std::istringstream in(line);
+  for (std::string cell; std::getline(in, cell, '|');)
+    cells.push_back(Trim(cell));
+  if (!line.empty() && line.back() == '|') cells.push_back("");  // an empty last cell
+  return cells;
+}
+
+// ReadQueryCase reads a case as it reads in a dialect: for the Oracle dialect
+// a section's variant ([statement oracle]) stands in for the section, for any
+// other the variants are passed over.
+QueryCase ReadQueryCase(const std::string& path, StdDBTypes dialect) {
+  std::ifstream in(path);
+  if (!in) throw std::runtime_error("cannot read " + path);
+  QueryCase c;
+  c.name = std::filesystem::path(path).stem().string();
+  std::string section, line;
+  for (int number = 1; std::getline(in, line); ++number) {
+    const std::string where = path + ":" + std::to_string(number), t = Trim(line);
+    if (t.size() > 1 && t.front() == '[' && t.back() == ']') {
+      section = t.substr(1, t.size() - 2);
+      if (const size_t blank = section.find(' '); blank != std::string::npos) {
+        if (section.substr(blank + 1) != "oracle")
+          throw std::runtime_error(where + ": no such variant");
+        section = dialect == sdbOracle ? section.substr(0, blank) : "other dialect";
+      }
+      // A section, or its variant, replaces what came before it.
+      if (section == "host") c.host.clear();
+      if (section == "statement") c.statement.emplace();
+      if (section == "conditions") c.conditions.emplace();
+      if (section == "rows") c.rows.emplace();
+    } else if (section == "definition") {
+      c.definition += line + "\n";
+    } else if (t.empty() || section == "other dialect") {
+    } else if (t.front() == '#') {
+      if (t.rfind("# purpose:", 0) == 0) c.purpose = Trim(t.substr(10));
+    } else if (section == "host") {
+      c.host.push_back(t);
+    } else if (section == "statement") {
+      *c.statement += Unquote(t, where);
+    } else if (section == "conditions" && t.front() == '+' && !c.conditions->empty()) {
+      c.conditions->back() += Unquote(t.substr(1), where);  // continues the line before
+    } else if (section == "conditions") {
+      c.conditions->push_back(Unquote(t, where));
+    } else if (section == "messages") {
+      c.messages.push_back(Unquote(t, where));
+    } else if (section == "rows") {
+      c.rows->push_back(SplitCells(t));
+    } else {
+      throw std::runtime_error(where + ": text outside a section");
+    }
+  }
+  return c;
+}
+
+std::vector<std::string> QueryCaseFiles() {
+  std::vector<std::string> files;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(KELVARY_SOURCE_DIR "/tests/query/cases"))
+    if (entry.path().extension() == ".case") files.push_back(entry.path().string());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+// Apply carries out one host directive.
+void Apply(QueryInterpretor& qi, const std::string& directive) {
+  std::istringstream in(directive);
+  std::string verb, word;
+  in >> verb;
   if (verb == "load") {
-    int32_t template_id = 0;
+    int32_t query = 0, template_id = 0;
     bool xtal = false;
     std::string rep_key;
-    for (size_t i = 2; i < d.size(); ++i) {
-      if (d[i] == "xtal") {
+    in >> query;
+    while (in >> word) {
+      if (word == "xtal") {
         xtal = true;
-      } else if (d[i] == "repkey") {
-        rep_key = d.at(++i);
+      } else if (word == "repkey") {
+        in >> rep_key;
       } else {
-        template_id = Number(d[i]);
+        template_id = std::stoi(word);
       }
     }
-    qi.InitSettings(rep_key, Number(d.at(1)), template_id, xtal);
+    qi.InitSettings(rep_key, query, template_id, xtal);
   } else if (verb == "level") {
-    const bool preexisting = d.size() > 2 && d[2] == "preexisting";
-    qi.ShapeNests()->Add(0, 1, preexisting, Number(d.at(1)), "", "", "S" + d.at(1));
-  } else if (verb == "where") {
-    Level(qi, d.at(1))->AssignedWhereClause = d.at(2);
-  } else if (verb == "having") {
-    Level(qi, d.at(1))->HavingList = d.at(2);
-  } else if (verb == "sort") {
-    Level(qi, d.at(1))->AssignedSortClause = d.at(2);
+    std::string id;
+    in >> id >> word;
+    qi.ShapeNests()->Add(0, 1, word == "preexisting", std::stoi(id), "", "", "S" + id);
+  } else if (verb == "where" || verb == "having" || verb == "sort") {
+    in >> word;
+    auto level = qi.ShapeNests()->Item("S" + word);
+    std::getline(in, word);
+    (verb == "where"    ? level->AssignedWhereClause
+     : verb == "having" ? level->HavingList
+                        : level->AssignedSortClause) = Unquote(word, directive);
   } else if (verb == "record") {
-    qi.AssignIDBasedWhereClause(Number(d.at(1)), Number(d.at(2)), Number(d.at(3)),
-                                d.size() > 4 ? d[4] : "");
+    int32_t table = 0, entry = 0, field = 0;
+    in >> table >> entry >> field >> word;
+    qi.AssignIDBasedWhereClause(table, entry, field, word);
   } else if (verb == "conditions") {
     // What a host does with the condition tree: each root group restricts
     // the level it is bound to.
     for (const auto& group : *qi.CurrentConditions()) {
-      if (group->ParentGroupId != 0) continue;
-      const std::string text = qi.GetConditionString(group);
+      const std::string text = group->ParentGroupId == 0 ? qi.GetConditionString(group) : "";
       if (text.empty()) continue;
-      auto level = Level(qi, std::to_string(group->NestedBinding));
-      level->AssignedWhereClause =
-          level->AssignedWhereClause.empty() ? text : level->AssignedWhereClause + " AND " + text;
+      auto level = qi.ShapeNests()->Item("S" + std::to_string(group->NestedBinding));
+      std::string& where = level->AssignedWhereClause;
+      where = where.empty() ? text : where + " AND " + text;
     }
   } else {
     FAIL() << "unknown directive " << verb;
   }
-}
-
-std::string CellText(const Variant& v) {
-  return v.IsNull() ? "Null" : TextOf(v);
 }
 
 // AsTypedDate: a cell that SQLite gave as a date's stored ISO text (a MIN
@@ -86,12 +176,7 @@ std::string AsTypedDate(const std::string& cell) {
   return std::regex_match(cell, iso) ? TextOf(Variant(CDate(Variant(cell)))) : cell;
 }
 
-bool HasOrderBy(const std::string& sql) {
-  static const std::regex order_by("order\\s+by", std::regex::icase);
-  return std::regex_search(sql, order_by);
-}
-
-std::string Show(const std::vector<std::vector<std::string>>& rows) {
+std::string Show(const Table& rows) {
   std::ostringstream out;
   for (const auto& row : rows) {
     for (size_t i = 0; i < row.size(); ++i)
@@ -120,47 +205,40 @@ TEST_P(QueryCaseTest, ProducesItsStatementAndRows) {
   for (const auto& directive : c.host)
     Apply(qi, directive);
 
-  if (c.has_conditions) {
+  if (c.conditions) {
     std::vector<std::string> texts;
-    for (const auto& group : *qi.CurrentConditions()) {
+    for (const auto& group : *qi.CurrentConditions())
       if (group->ParentGroupId == 0) texts.push_back(qi.GetConditionString(group));
-    }
-    EXPECT_EQ(texts, c.conditions);
+    EXPECT_EQ(texts, *c.conditions);
   }
-  if (c.has_statement) {
+  if (c.statement) {
     qi.EncodeSQLStmt();
-    EXPECT_EQ(qi.FinalSQLStmt, c.statement);
+    EXPECT_EQ(qi.FinalSQLStmt, *c.statement);
   }
-  if (c.has_rows) {
+  if (c.rows) {
     std::shared_ptr<Recordset> rs;
-    const bool opened = qi.AssignRecordSet(rs);
-    EXPECT_EQ(opened, !c.rows.empty());
+    EXPECT_EQ(qi.AssignRecordSet(rs), c.rows->size() > 1);
     ASSERT_TRUE(rs && rs->State() == adStateOpen) << "statement: " << qi.FinalSQLStmt;
-    std::vector<std::string> columns;
+    Table rows(1), expected = *c.rows;
     for (int32_t i = 0; i < rs->FieldCount(); ++i)
-      columns.push_back(rs->Fields(i).Name());
-    std::vector<std::string> expected_columns;
-    for (const std::string& name : c.columns)
-      expected_columns.push_back(Traits().Name(name));
-    EXPECT_EQ(columns, expected_columns);
-    std::vector<std::vector<std::string>> rows;
+      rows[0].push_back(rs->Fields(i).Name());
+    for (std::string& name : expected[0])
+      name = Traits().Name(name);
     for (; !rs->Eof(); rs->MoveNext()) {
-      std::vector<std::string> row;
-      for (int32_t i = 0; i < rs->FieldCount(); ++i)
-        row.push_back(CellText(rs->Fields(i).Value()));
-      rows.push_back(std::move(row));
-    }
-    // The cases' rows are written as SQLite reads them.
-    std::vector<std::vector<std::string>> expected = c.rows;
-    if (Traits().typed_aggregates) {
-      for (auto& row : expected) {
-        for (std::string& cell : row)
-          cell = AsTypedDate(cell);
+      rows.emplace_back();
+      for (int32_t i = 0; i < rs->FieldCount(); ++i) {
+        const Variant v = rs->Fields(i).Value();
+        rows.back().push_back(v.IsNull() ? "Null" : TextOf(v));
       }
     }
-    if (!Traits().keeps_table_order && !HasOrderBy(qi.FinalSQLStmt)) {
-      std::sort(rows.begin(), rows.end());
-      std::sort(expected.begin(), expected.end());
+    // The cases' rows are written as SQLite reads them.
+    for (auto row = expected.begin() + 1; Traits().typed_aggregates && row != expected.end(); ++row)
+      for (std::string& cell : *row)
+        cell = AsTypedDate(cell);
+    static const std::regex order_by("order\\s+by", std::regex::icase);
+    if (!Traits().keeps_table_order && !std::regex_search(qi.FinalSQLStmt, order_by)) {
+      std::sort(rows.begin() + 1, rows.end());
+      std::sort(expected.begin() + 1, expected.end());
     }
     EXPECT_EQ(Show(rows), Show(expected)) << "statement: " << qi.FinalSQLStmt;
   }
@@ -170,16 +248,14 @@ TEST_P(QueryCaseTest, ProducesItsStatementAndRows) {
 // CaseName: the backend, then the file's stem ("PostgreSQL_conditions_tree").
 std::string CaseName(const ::testing::TestParamInfo<QueryCaseTest::ParamType>& info) {
   std::string name = std::filesystem::path(std::get<1>(info.param)).stem().string();
-  for (char& ch : name) {
+  for (char& ch : name)
     if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
-  }
   return std::get<0>(info.param)->Traits().name + "_" + name;
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, QueryCaseTest,
                          ::testing::Combine(::testing::ValuesIn(Backends()),
-                                            ::testing::ValuesIn(QueryCaseFiles(
-                                                KELVARY_SOURCE_DIR "/tests/query/cases"))),
+                                            ::testing::ValuesIn(QueryCaseFiles())),
                          CaseName);
 
 }  // namespace
