@@ -27,13 +27,6 @@ KELVARY_ON_EVERY_BACKEND(IsSimpleTemplate);
 using LoadTemplateConditions = BackendTest;
 KELVARY_ON_EVERY_BACKEND(LoadTemplateConditions);
 
-std::vector<std::string> Texts(const GeneralCollection& list) {
-  std::vector<std::string> texts;
-  for (const auto& entry : list)
-    texts.push_back(CStr(*entry));
-  return texts;
-}
-
 TEST_P(InitSettings, MissingOrUnknownQueryShowsItsMessage) {
   DemoPractice practice(TheBackend());
   MessageRecorder messages;
@@ -113,27 +106,20 @@ TEST_P(IsSimpleTemplate, OnlyTheMarkerOneCounts) {
   }
 }
 
-// What the statement does not show (the cases in cases/ check the rest).
+// The flag marks the levels that have children, not the children; levels,
+// tables and fields are keyed "S", "T" and "F" + ID. (Names, links and the
+// order of the columns show in the cases' statements.)
 TEST_P(InitSettings, LoadsLevelsTablesAndFieldsUnderTheirKeys) {
   DemoPractice practice(TheBackend());
   QueryInterpretor qi;
   qi.InitSettings("", 5, 0, false);
-  const auto& levels = qi.ShapeNests();
-  // The flag marks the levels that have children, not the children.
   std::vector<std::pair<int32_t, bool>> with_children;
-  for (const auto& level : *levels)
+  for (const auto& level : *qi.ShapeNests())
     with_children.emplace_back(level->ID, level->bUseParentFieldLink);
   EXPECT_THAT(with_children, ElementsAre(std::pair{50, true}, std::pair{51, false},
                                          std::pair{52, true}, std::pair{53, false}));
-
-  const auto& invoices = levels->Item("S52");
-  EXPECT_EQ(invoices->ShapeIndex, 2);
-  EXPECT_EQ(invoices->Depth, 2);
-  EXPECT_THAT(Texts(*invoices->SortedOPFields()), ElementsAre("F520T52", "F521T52"));
-  const auto& reg_no =
-      levels->Item("S50")->OutPutTables()->Item("T50")->OutputFields()->Item("F500");
-  EXPECT_EQ(reg_no->DataFieldID, 102);
-  EXPECT_EQ(reg_no->Title, "Registration number");
+  const auto& patients = qi.ShapeNests()->Item("S50")->OutPutTables()->Item("T50");
+  EXPECT_EQ(patients->OutputFields()->Item("F500")->Title, "Registration number");
 }
 
 // The host's fields of template 1's parameters, and its sort options (the
@@ -146,7 +132,6 @@ TEST_P(LoadTemplateConditions, GroupsParametersAndSortOptions) {
   const auto& born = params->Item("R3");
   EXPECT_EQ(born->SUBOperator, drsUserSpecifiedDates);
   EXPECT_EQ(born->Value1, Variant("1950-01-01"));  // as stored: text
-  EXPECT_EQ(born->Title, "Born");
   EXPECT_FALSE(born->Essential);
   EXPECT_TRUE(born->Removable);
   EXPECT_EQ(born->CodeChar, "");  // kept for the host, not loaded
@@ -164,7 +149,6 @@ TEST_P(LoadTemplateConditions, GroupsParametersAndSortOptions) {
   // Rows 1 and 6 are also sort options; their level is their group's.
   const auto& sorts = qi.TemplateSortOptions();
   ASSERT_EQ(sorts->Count(), 2);
-  EXPECT_EQ(sorts->Item("S1")->SortOrder, 1);
   EXPECT_FALSE(sorts->Item("S1")->SortDescending);
   EXPECT_EQ(sorts->Item("S6")->SortOrder, 2);
   EXPECT_TRUE(sorts->Item("S6")->SortDescending);
