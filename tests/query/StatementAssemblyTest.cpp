@@ -114,9 +114,6 @@ TEST(AssignIDBasedWhereClause, RestrictsTheFirstLevelHoldingTheTable) {
   EXPECT_EQ(root->AssignedWhereClause, "  ( pt.ID = 42 ) ");
   EXPECT_EQ(child->AssignedWhereClause, "");
 
-  qi.AssignIDBasedWhereClause(2, -5, -1, "Code");
-  EXPECT_EQ(child->AssignedWhereClause, "  ( t2.Code = -5 ) ");
-
   QueryInterpretor unknown;
   AddLevel(unknown, 1, 0);
   EXPECT_THROW(unknown.AssignIDBasedWhereClause(99, 1, 0, "ID"), Error);
