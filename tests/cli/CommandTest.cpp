@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,9 +35,7 @@ std::string Quote(const std::string& arg) {
 
 std::string Slurp(const std::string& path) {
   std::ifstream in(path);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 CliRun RunCli(const std::vector<std::string>& args, const TempDir& dir) {
