@@ -2,7 +2,6 @@
 // nesting, the splicing of stored texts, the one-record restriction and the
 // condition tree. (Stored definitions, links and rows are covered by the
 // cases in cases/.)
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -28,45 +27,26 @@ std::shared_ptr<QueryShapeNest> AddLevel(QueryInterpretor& qi, int32_t id, int32
   return level;
 }
 
-std::string Select(int32_t id) {
-  const std::string n = std::to_string(id);
-  return "Select f" + n + " From t" + n + " ";
-}
-
-// Leaf: the APPEND of a level without children (links are empty here).
-std::string Leaf(int32_t id) {
-  const std::string n = "N" + std::to_string(id);
-  return " APPEND ({" + Select(id) + " }   as " + n + " RELATE '' TO  '' ) AS " + n;
-}
-
-std::string Nested(int32_t id, const std::string& inner) {
-  const std::string n = "N" + std::to_string(id);
-  return " APPEND ((SHAPE {" + Select(id) + " }   as " + n + inner + ") RELATE '' TO  '' ) AS " + n;
-}
-
 TEST(EncodeSQLStmt, NestsToAnyDepthWithSiblingsInCollectionOrder) {
   QueryInterpretor qi;
   qi.QueryBuildMethod = qbmDigitalBuild;
-  AddLevel(qi, 1, 0);
+  // 1 -> 2 -> 3 -> 4 with 4's sibling 6, and 1 -> 5: siblings follow the
+  // order of the collection, each branch whole before the next.
+  const int32_t parent[] = {0, 0, 1, 2, 3, 1, 3};
+  for (int32_t id = 1; id <= 6; ++id)
+    AddLevel(qi, id, parent[id]);
+  const std::string expected =
+      " SHAPE { Select f1 From t1  } as N1"
+      " APPEND ((SHAPE {Select f2 From t2  }   as N2"
+      " APPEND ((SHAPE {Select f3 From t3  }   as N3"
+      " APPEND ({Select f4 From t4  }   as N4 RELATE '' TO  '' ) AS N4"
+      " APPEND ({Select f6 From t6  }   as N6 RELATE '' TO  '' ) AS N6"
+      ") RELATE '' TO  '' ) AS N3) RELATE '' TO  '' ) AS N2"
+      " APPEND ({Select f5 From t5  }   as N5 RELATE '' TO  '' ) AS N5";
   qi.EncodeSQLStmt();
-  EXPECT_EQ(qi.FinalSQLStmt, "Select f1 From t1 ");
-  EXPECT_EQ(qi.FinalSQLStmt.find(" SHAPE { "), std::string::npos);
-
-  // 1 -> 2 -> 3 -> 4, and 1 -> 5 added last but appended after 2's branch;
-  // 4 has a sibling 6 under 3.
-  AddLevel(qi, 2, 1);
-  AddLevel(qi, 3, 2);
-  AddLevel(qi, 4, 3);
-  AddLevel(qi, 5, 1);
-  AddLevel(qi, 6, 3);
-  qi.EncodeSQLStmt();
-  EXPECT_EQ(qi.FinalSQLStmt, " SHAPE { " + Select(1) + " } as N1" +
-                                 Nested(2, Nested(3, Leaf(4) + Leaf(6))) + Leaf(5));
-
-  // Calling it again rebuilds the same text.
-  const std::string first = qi.FinalSQLStmt;
-  qi.EncodeSQLStmt();
-  EXPECT_EQ(qi.FinalSQLStmt, first);
+  EXPECT_EQ(qi.FinalSQLStmt, expected);
+  qi.EncodeSQLStmt();  // calling it again rebuilds the same text
+  EXPECT_EQ(qi.FinalSQLStmt, expected);
 }
 
 TEST(EncodeSQLStmt, LevelsThatCannotBeBuilt) {
@@ -82,70 +62,42 @@ TEST(EncodeSQLStmt, LevelsThatCannotBeBuilt) {
   EXPECT_THROW(cycle.EncodeSQLStmt(), Error);
 }
 
-TEST(BuildLevelSelect, JoinsTheRestrictionAndSortToTheLevel) {
-  QueryInterpretor qi;
-  qi.QueryBuildMethod = qbmDigitalBuild;
-  auto level = AddLevel(qi, 1, 0);
-  level->AssignedWhereClause = "f1 > 2";
-  level->AssignedSortClause = "f1 DESC";
-  qi.EncodeSQLStmt();
-  EXPECT_EQ(qi.FinalSQLStmt, "Select f1 From t1  Where f1 > 2 Order by f1 DESC");
-
-  // Grouping and HAVING, then sorting: the blank in front of the whole.
-  auto grouped = level->OutPutTables()->Item("T1")->OutputFields()->Item("F1");
-  grouped->SpecialField = sfGroupAndView;
-  level->HavingList = "Count(*) > 1";
-  qi.EncodeSQLStmt();
-  EXPECT_EQ(qi.FinalSQLStmt,
-            " Select f1 From t1  Where f1 > 2 Group by f1 HAVING Count(*) > 1 Order by f1 DESC");
-}
-
 TEST(SpliceRawSQL, MarkerPositionRules) {
   struct Case {
-    std::string raw;
-    std::string expected;
+    QueryBuildMethods method;
+    std::string raw, where, expected;
   };
-  // Level 7, restricted to "c". Whatever follows the marker survives only
-  // when it is longer than two characters.
+  // Level 7 (the one "!7" names). Whatever follows the marker survives only
+  // when it is longer than two characters; only direct queries are spliced.
   const Case cases[] = {
-      {"Select x From t !7", "Select x From t  Where c"},
-      {"Select x From t !7;", "Select x From t  Where c"},
-      {"Select x From t !7 )", "Select x From t  Where c"},
-      {"Select x From t !7 ) ", "Select x From t  Where c ) "},
-      {"!7 Select", " Where c Select"},
-      {"Select x From t", "Select x From t"},
-      {"Select x From t !8", "Select x From t !8"},
+      {qbmDirectADO, "Select x From t !7", "c", "Select x From t  Where c"},
+      {qbmDirectADO, "Select x From t !7;", "c", "Select x From t  Where c"},
+      {qbmDirectADO, "Select x From t !7 )", "c", "Select x From t  Where c"},
+      {qbmDirectADO, "Select x From t !7 ) ", "c", "Select x From t  Where c ) "},
+      {qbmDirectADO, "!7 Select", "c", " Where c Select"},
+      {qbmDirectADO, "Select x From t", "c", "Select x From t"},
+      {qbmDirectADO, "Select x From t !8", "c", "Select x From t !8"},
+      // No restriction and no earlier one: nothing spliced, the marker goes.
+      {qbmDirectADO, "Select x From t !7 Order by x", "", "Select x From t  Order by x"},
+      {qbmAppDefined, "Select x From t !7", "c", "Select x From t !7"},
+      {qbmQueryDefStandard, "Select x From t !7", "c", "Select x From t !7"},
+      {qbmDirectADOWDigitalSearchTemplate, "Select x From t !7", "c", "Select x From t !7"},
+      {qbmXtalReportQuery, "Select x From t !7", "c", "Select x From t !7"},
   };
   for (const auto& c : cases) {
     QueryInterpretor qi;
-    qi.QueryBuildMethod = qbmDirectADO;
+    qi.QueryBuildMethod = c.method;
     qi.RawSQL = c.raw;
-    qi.ShapeNests()->Add(0, 1, false, 7, "", "", "S7")->AssignedWhereClause = "c";
+    qi.ShapeNests()->Add(0, 1, false, 7, "", "", "S7")->AssignedWhereClause = c.where;
     qi.EncodeSQLStmt();
-    EXPECT_EQ(qi.FinalSQLStmt, c.expected) << c.raw;
+    EXPECT_EQ(qi.FinalSQLStmt, c.expected) << c.method << ": " << c.raw;
   }
-}
-
-TEST(SpliceRawSQL, OnlyDirectQueriesWithLevelsAreSpliced) {
-  for (const auto method : {qbmAppDefined, qbmDirectADO, qbmQueryDefStandard,
-                            qbmDirectADOWDigitalSearchTemplate, qbmXtalReportQuery}) {
-    QueryInterpretor qi;
-    qi.QueryBuildMethod = method;
-    qi.RawSQL = "Select x From t !1";
-    if (method != qbmDirectADO) {
-      qi.ShapeNests()->Add(0, 1, true, 1, "", "", "S1")->AssignedWhereClause = "c";
-    }
-    qi.EncodeSQLStmt();
-    EXPECT_EQ(qi.FinalSQLStmt, "Select x From t !1") << method;
-  }
-  // A level with no restriction and no earlier one splices nothing, but
-  // its marker still goes.
+  // A direct query without levels is left as it is.
   QueryInterpretor bare;
   bare.QueryBuildMethod = qbmDirectADO;
-  bare.RawSQL = "Select x From t !1 Order by x";
-  bare.ShapeNests()->Add(0, 1, true, 1, "", "", "S1");
+  bare.RawSQL = "Select x From t !1";
   bare.EncodeSQLStmt();
-  EXPECT_EQ(bare.FinalSQLStmt, "Select x From t  Order by x");
+  EXPECT_EQ(bare.FinalSQLStmt, "Select x From t !1");
 }
 
 TEST(AssignIDBasedWhereClause, RestrictsTheFirstLevelHoldingTheTable) {
@@ -161,11 +113,6 @@ TEST(AssignIDBasedWhereClause, RestrictsTheFirstLevelHoldingTheTable) {
   EXPECT_TRUE(qi.bProgramAssignedWhereClause);
   EXPECT_EQ(root->AssignedWhereClause, "  ( pt.ID = 42 ) ");
   EXPECT_EQ(child->AssignedWhereClause, "");
-
-  qi.InterpretXtal = true;
-  qi.AssignIDBasedWhereClause(2, -5, -1, "Code");
-  EXPECT_EQ(child->AssignedWhereClause, "  ( {t2.Code} = -5 ) ");
-  EXPECT_EQ(root->AssignedWhereClause, "  ( pt.ID = 42 ) ");
 
   QueryInterpretor unknown;
   AddLevel(unknown, 1, 0);
