@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cctype>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -16,6 +15,7 @@
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/SqlScript.h"
+#include "kelvary/platform/Text.h"
 #include "support/TestDatabase.h"
 
 #ifdef KELVARY_HAVE_ODBC
@@ -24,13 +24,6 @@
 
 namespace kelvary::testing {
 namespace {
-
-std::string Lowered(std::string_view s) {
-  std::string out(s);
-  for (char& c : out)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return out;
-}
 
 std::string EnvOrEmpty(const char* name) {
   const char* value = std::getenv(name);
@@ -69,7 +62,7 @@ std::shared_ptr<kelvary::Connection> OpenClient(const std::string& connection_st
 // --- traits -------------------------------------------------------------------
 
 std::string BackendTraits::Name(std::string_view written) const {
-  return lower_case_names ? Lowered(written) : std::string(written);
+  return lower_case_names ? LowerCase(written) : std::string(written);
 }
 
 Variant BackendTraits::Count(int64_t n) const {
