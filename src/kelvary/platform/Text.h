@@ -10,12 +10,21 @@
 
 namespace kelvary {
 
+// AsciiLower / AsciiUpper: one byte in the other case when it is an ASCII
+// letter, unchanged otherwise. Unlike std::tolower they ignore the locale a
+// host may have set, and never touch the bytes of a UTF-8 sequence.
+constexpr char AsciiLower(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr char AsciiUpper(char c) {
+  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 // EqualsNoCase: a and b are the same text but for the case of ASCII letters.
 inline bool EqualsNoCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i]))) {
+    if (AsciiLower(a[i]) != AsciiLower(b[i])) {
       return false;
     }
   }
@@ -30,7 +39,7 @@ inline bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
 inline std::string LowerCase(std::string_view text) {
   std::string out(text);
   for (char& c : out)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    c = AsciiLower(c);
   return out;
 }
 
@@ -56,7 +65,7 @@ inline std::string_view TrimSpace(std::string_view s) {
 inline std::string UpperCase(std::string_view text) {
   std::string out(text);
   for (char& c : out)
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    c = AsciiUpper(c);
   return out;
 }
 

@@ -17,10 +17,6 @@ constexpr const char* kSource = "Recordset";
 constexpr int32_t kErrConnectionUnusable = 3709;
 constexpr uint32_t kFindsBeforeIndex = 2;  // a one-off Find scans; a repeated one builds an index
 
-inline char Lower(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool IsNothing(const Variant& v) {
   return v.IsNull() || v.IsEmpty();
 }
@@ -93,7 +89,7 @@ int32_t StatusForConversion(const Error& error) {
 size_t CaseInsensitiveHash::operator()(std::string_view s) const {
   size_t h = 1469598103934665603ull;  // FNV-1a over the lowered bytes
   for (char c : s) {
-    h ^= static_cast<unsigned char>(Lower(c));
+    h ^= static_cast<unsigned char>(AsciiLower(c));
     h *= 1099511628211ull;
   }
   return h;

@@ -5,6 +5,7 @@
 #include <cctype>
 #include <string>
 
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
 #include "kelvary/platform/internal/LikePattern.h"
 #include "kelvary/platform/internal/SqlLexing.h"
@@ -62,12 +63,8 @@ void CaseFunction(sqlite3_context* context, int, sqlite3_value** argv) {
     return;
   }
   const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
-  std::string out(text, static_cast<size_t>(sqlite3_value_bytes(argv[0])));
-  for (char& c : out) {
-    c = static_cast<char>(kUpper ? std::toupper(static_cast<unsigned char>(c))
-                                 : std::tolower(static_cast<unsigned char>(c)));
-  }
-  ResultText(context, out);
+  const std::string_view in(text, static_cast<size_t>(sqlite3_value_bytes(argv[0])));
+  ResultText(context, kUpper ? UpperCase(in) : LowerCase(in));
 }
 
 template <int (*kPart)(Date)>

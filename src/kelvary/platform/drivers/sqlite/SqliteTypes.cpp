@@ -3,13 +3,13 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "kelvary/platform/Text.h"
+
 namespace kelvary::sqlite {
 
 DeclaredType MapDeclaredType(std::string_view declared) {
   if (declared.empty()) return {adVarWChar, 0, ValueKind::kDynamic};
-  std::string upper(declared);
-  for (char& c : upper)
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  const std::string upper = UpperCase(declared);
   int32_t size = 0;
   if (const size_t open = upper.find('('); open != std::string::npos) {
     size = std::atoi(upper.c_str() + open + 1);
