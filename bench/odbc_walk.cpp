@@ -33,7 +33,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
 #endif
 #ifdef KELVARY_HAVE_LIBPQ
 #include <libpq-fe.h>

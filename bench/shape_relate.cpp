@@ -16,8 +16,8 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/SqlScript.h"
-#include "kelvary/platform/drivers/Driver.h"
-#include "kelvary/platform/shape/RelateIndex.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
+#include "kelvary/platform/internal/shape/RelateIndex.h"
 
 namespace {
 

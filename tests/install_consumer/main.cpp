@@ -1,6 +1,10 @@
 #include <iostream>
 
+#include "kelvary/platform/Connection.h"
+#include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/Variant.h"
+#include "kelvary/query/QueryInterpretor.h"
+#include "kelvary/service/InfoLink.h"
 
 int main() {
   kelvary::Variant v(2.5);

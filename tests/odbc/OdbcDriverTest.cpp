@@ -12,8 +12,8 @@
 #include "kelvary/platform/Error.h"
 
 #ifdef KELVARY_HAVE_ODBC
-#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcConnection.h"
+#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcConnection.h"
 #endif
 
 namespace kelvary::testing {

@@ -20,10 +20,10 @@
 #include <vector>
 
 #include "kelvary/platform/Error.h"
-#include "kelvary/platform/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
 
 #ifdef KELVARY_HAVE_ODBC
-#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
 #endif
 
 namespace kelvary::testing {

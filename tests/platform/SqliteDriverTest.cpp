@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "RecordsetTestSupport.h"
-#include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteDialect.h"
 
 namespace kelvary::testing {
 namespace {

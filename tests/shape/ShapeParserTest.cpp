@@ -5,7 +5,7 @@
 #include <string>
 
 #include "kelvary/platform/Error.h"
-#include "kelvary/platform/shape/ShapeParser.h"
+#include "kelvary/platform/internal/shape/ShapeParser.h"
 
 namespace kelvary::shape {
 namespace {

@@ -19,7 +19,7 @@
 #include "support/TestDatabase.h"
 
 #ifdef KELVARY_HAVE_ODBC
-#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
 #endif
 
 namespace kelvary::testing {

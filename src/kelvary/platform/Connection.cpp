@@ -3,14 +3,14 @@
 #include <limits>
 
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/platform/drivers/Driver.h"
-#include "kelvary/platform/drivers/sqlite/SqliteDriver.h"
 #include "kelvary/platform/internal/ConnectionString.h"
 #include "kelvary/platform/internal/CursorEngine.h"
-#include "kelvary/platform/shape/ShapeProvider.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteDriver.h"
+#include "kelvary/platform/internal/shape/ShapeProvider.h"
 
 #ifdef KELVARY_HAVE_ODBC
-#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
 #endif
 
 namespace kelvary {

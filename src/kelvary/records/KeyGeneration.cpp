@@ -13,7 +13,7 @@
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
 #include "kelvary/service/InfoLink.h"
 
 namespace kelvary {

@@ -8,7 +8,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/Criteria.h"
-#include "kelvary/platform/shape/ShapeProvider.h"
+#include "kelvary/platform/internal/shape/ShapeProvider.h"
 
 namespace kelvary::internal {
 namespace {

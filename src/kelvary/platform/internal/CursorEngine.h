@@ -50,7 +50,7 @@
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/Variant.h"
-#include "kelvary/platform/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
 
 namespace kelvary::internal {
 

@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/odbc/internal/OdbcResult.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcResult.h"
 
 #include <algorithm>
 #include <charconv>

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "kelvary/platform/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
 
 namespace kelvary::odbc {
 

@@ -1,4 +1,4 @@
-#include "kelvary/platform/shape/ShapeParser.h"
+#include "kelvary/platform/internal/shape/ShapeParser.h"
 
 #include <array>
 #include <cctype>

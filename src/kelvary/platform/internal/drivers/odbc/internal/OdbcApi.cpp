@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/odbc/internal/OdbcApi.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -28,8 +28,8 @@
 #include <string>
 #include <vector>
 
-#include "kelvary/platform/drivers/Driver.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcApi.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 
 namespace kelvary::odbc {
 

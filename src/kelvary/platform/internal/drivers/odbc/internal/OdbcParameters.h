@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "kelvary/platform/Variant.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcApi.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 
 namespace kelvary::odbc {
 

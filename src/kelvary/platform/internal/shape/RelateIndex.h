@@ -19,7 +19,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "kelvary/platform/drivers/Driver.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
 
 namespace kelvary::shape {
 

@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,10 +9,10 @@
 
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcApi.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcConnection.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcParameters.h"
-#include "kelvary/platform/drivers/odbc/internal/OdbcResult.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcConnection.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcParameters.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcResult.h"
 
 namespace kelvary {
 namespace {

@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/odbc/internal/OdbcParameters.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcParameters.h"
 
 #include <cmath>
 #include <cstdio>

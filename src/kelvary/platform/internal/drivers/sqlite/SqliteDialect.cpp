@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteDialect.h"
 
 #include <sqlite3.h>
 
@@ -6,9 +6,9 @@
 #include <string>
 
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
 #include "kelvary/platform/internal/LikePattern.h"
 #include "kelvary/platform/internal/SqlLexing.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteTypes.h"
 
 namespace kelvary::sqlite {
 namespace {

@@ -1,4 +1,4 @@
-#include "kelvary/platform/shape/ShapeProvider.h"
+#include "kelvary/platform/internal/shape/ShapeProvider.h"
 
 #include <iterator>
 #include <string>
@@ -9,10 +9,10 @@
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/drivers/Driver.h"
 #include "kelvary/platform/internal/CursorEngine.h"
-#include "kelvary/platform/shape/RelateIndex.h"
-#include "kelvary/platform/shape/ShapeParser.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
+#include "kelvary/platform/internal/shape/RelateIndex.h"
+#include "kelvary/platform/internal/shape/ShapeParser.h"
 
 namespace kelvary::shape {
 namespace {

@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/sqlite/SqliteDriver.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteDriver.h"
 
 #include <sqlite3.h>
 
@@ -11,8 +11,8 @@
 
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
-#include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteDialect.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteTypes.h"
 
 namespace kelvary::sqlite {
 namespace {

@@ -1,4 +1,4 @@
-#include "kelvary/platform/shape/RelateIndex.h"
+#include "kelvary/platform/internal/shape/RelateIndex.h"
 
 #include <cmath>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "kelvary/platform/drivers/sqlite/SqliteTypes.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteTypes.h"
 
 #include <cctype>
 #include <cstdlib>
