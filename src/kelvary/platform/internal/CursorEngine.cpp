@@ -87,12 +87,12 @@ int32_t StatusForConversion(const Error& error) {
 }  // namespace
 
 size_t CaseInsensitiveHash::operator()(std::string_view s) const {
-  size_t h = 1469598103934665603ull;  // FNV-1a over the lowered bytes
+  uint64_t h = 1469598103934665603ull;  // FNV-1a over the lowered bytes, 64-bit everywhere
   for (char c : s) {
     h ^= static_cast<unsigned char>(AsciiLower(c));
     h *= 1099511628211ull;
   }
-  return h;
+  return static_cast<size_t>(h);
 }
 
 bool CaseInsensitiveEqual::operator()(std::string_view a, std::string_view b) const {

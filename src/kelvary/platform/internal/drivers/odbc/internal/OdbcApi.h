@@ -8,6 +8,16 @@
 // headers). A handle is used by one thread at a time.
 #pragma once
 
+// The Windows ODBC headers use the platform's types without including them.
+#ifdef _WIN32
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+#endif
 #include <sql.h>
 #include <sqlext.h>
 
