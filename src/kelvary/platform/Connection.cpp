@@ -3,15 +3,9 @@
 #include <limits>
 
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/platform/internal/ConnectionString.h"
 #include "kelvary/platform/internal/CursorEngine.h"
-#include "kelvary/platform/internal/drivers/Driver.h"
-#include "kelvary/platform/internal/drivers/sqlite/SqliteDriver.h"
+#include "kelvary/platform/internal/drivers/DriverFactory.h"
 #include "kelvary/platform/internal/shape/ShapeProvider.h"
-
-#ifdef KELVARY_HAVE_ODBC
-#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
-#endif
 
 namespace kelvary {
 namespace {
@@ -20,50 +14,6 @@ constexpr const char* kSource = "Connection";
 
 [[noreturn]] void ThrowClosed() {
   throw Error(kErrObjectClosed, "Operation is not allowed when the object is closed.", kSource);
-}
-
-std::unique_ptr<DriverConnection> OpenDriver(const std::string& connection_string,
-                                             const std::string& user_id,
-                                             const std::string& password, int32_t busy_seconds) {
-  const internal::DriverChoice choice = internal::ChooseDriver(connection_string);
-  switch (choice.kind) {
-    case internal::DriverChoice::kSqlite: {
-      if (choice.sqlite_path.empty()) {
-        throw Error(kErrProviderNotFound,
-                    "The connection string names no SQLite database file (Data Source=...)",
-                    kSource);
-      }
-      sqlite::OpenMode mode = sqlite::OpenMode::kReadWrite;
-      if (choice.mode == internal::DriverChoice::kReadOnly) mode = sqlite::OpenMode::kReadOnly;
-      if (choice.mode == internal::DriverChoice::kReadWriteCreate) {
-        mode = sqlite::OpenMode::kReadWriteCreate;
-      }
-      return sqlite::OpenSqliteConnection(choice.sqlite_path, mode, busy_seconds);
-    }
-    case internal::DriverChoice::kOdbc: {
-#ifdef KELVARY_HAVE_ODBC
-      auto odbc = OpenOdbcConnection(choice.odbc_string, user_id.empty() ? choice.user : user_id,
-                                     password.empty() ? choice.password : password);
-      odbc->SetBusyTimeout(busy_seconds);  // the server's lock wait, as SQLite gets it at open
-      return odbc;
-#else
-      (void)user_id;
-      (void)password;
-      throw Error(kErrProviderNotFound,
-                  "The data source \"" + choice.data_source +
-                      "\" is reached through ODBC, and ODBC support is not built into this "
-                      "library",
-                  kSource);
-#endif
-    }
-    case internal::DriverChoice::kUnknown:
-    default:
-      throw Error(kErrProviderNotFound,
-                  "Provider cannot be found. It may not be properly installed. (No driver fits "
-                  "the connection string \"" +
-                      connection_string + "\")",
-                  kSource);
-  }
 }
 
 }  // namespace
@@ -86,7 +36,7 @@ void Connection::Open(const std::string& connection_string, const std::string& u
   }
   errors_.clear();
   try {
-    driver_ = OpenDriver(connection_string, user_id, password, command_timeout_);
+    driver_ = internal::OpenDriver(connection_string, user_id, password, command_timeout_);
   } catch (const Error& e) {
     errors_.assign(1, e);
     throw;

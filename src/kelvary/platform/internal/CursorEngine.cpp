@@ -1087,56 +1087,15 @@ void CursorEngine::WriteDelete(uint32_t row) {
   }
 }
 
-// MarkFailedFields sets the status of the fields a rejected write names.
-// SQLite says "NOT NULL constraint failed: t.col" or "UNIQUE constraint
-// failed: t.a, t.b"; servers reached through ODBC report any constraint
-// under SQLSTATE class 23, PostgreSQL naming a column as column "col" and a
-// key as Key (a, b)=(...). A constraint that names no field marks every
-// changed one.
+// MarkFailedFields sets the status of the fields a rejected write names; a
+// constraint that names no field marks every changed one.
 void CursorEngine::MarkFailedFields(const Error& error) {
-  const std::string& message = error.Description();
-  std::vector<std::string_view> names;
-  const auto add_list = [&](std::string_view list) {
-    while (!list.empty()) {
-      const size_t comma = list.find(',');
-      std::string_view item = list.substr(0, comma);
-      while (!item.empty() && item.front() == ' ')
-        item.remove_prefix(1);
-      while (!item.empty() && item.back() == ' ')
-        item.remove_suffix(1);
-      const size_t dot = item.rfind('.');
-      if (dot != std::string_view::npos) item.remove_prefix(dot + 1);
-      names.push_back(item);
-      if (comma == std::string_view::npos) break;
-      list.remove_prefix(comma + 1);
-    }
-  };
-  const size_t at = message.find("constraint failed");
-  if (at != std::string::npos) {
-    const size_t colon = message.find(':', at);
-    if (colon != std::string::npos) {
-      const size_t end = message.find('\n', colon);
-      add_list(std::string_view(message).substr(
-          colon + 1, end == std::string::npos ? std::string::npos : end - colon - 1));
-    }
-  } else if (error.SqlState().rfind("23", 0) == 0) {
-    const std::string_view text(message);
-    for (size_t from = text.find("column \""); from != std::string_view::npos;
-         from = text.find("column \"", from + 1)) {
-      const size_t start = from + 8;
-      const size_t close = text.find('"', start);
-      if (close != std::string_view::npos) names.push_back(text.substr(start, close - start));
-    }
-    const size_t key = text.find("Key (");
-    if (key != std::string_view::npos) {
-      const size_t close = text.find(")=", key);
-      if (close != std::string_view::npos) add_list(text.substr(key + 5, close - key - 5));
-    }
-  } else {
-    return;
-  }
+  if (!connection_ || connection_->State() != adStateOpen) return;
+  DriverConnection& driver = connection_->Driver();
+  if (!driver.IsConstraintViolation(error)) return;
+  const std::vector<std::string> names = driver.ConstraintColumns(error);
   bool named = false;
-  for (std::string_view name : names) {
+  for (const std::string& name : names) {
     for (size_t c = 0; c < width_; ++c) {
       if (EqualsNoCase(columns_[c].base_column, name)) {
         status_[c] = adFieldSchemaViolation;

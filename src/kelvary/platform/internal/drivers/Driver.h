@@ -5,8 +5,11 @@
 // the cursor engine above it.
 //
 // Drivers are the only code that calls a database's client API: the SQLite
-// driver (drivers/sqlite) and the ODBC driver (drivers/odbc). Connection picks
-// one from the connection string.
+// driver (drivers/sqlite) and the ODBC driver (drivers/odbc). The driver
+// factory (DriverFactory.h) picks one from the connection string. What
+// differs between databases and matters above the seam (locking, constraint
+// failures, comparing a stored value) is asked of the driver here, each with
+// the common behaviour as its default, so that no code above names a driver.
 //
 // A driver connection is used by one thread at a time. Every failure is an
 // Error carrying the driver's message, SQLSTATE and native code where there
@@ -20,6 +23,7 @@
 #include <vector>
 
 #include "kelvary/platform/DataAccessTypes.h"
+#include "kelvary/platform/Error.h"
 #include "kelvary/platform/Variant.h"
 
 namespace kelvary {
@@ -84,6 +88,25 @@ class DriverConnection {
   virtual std::string EqualsParameter(const std::string& column, DataTypeEnum type) const {
     (void)type;
     return column + " = ?";
+  }
+
+  // BeginLocksForWriting: whether BeginTransaction takes the database's write
+  // lock, so that nothing another connection writes can come between a read
+  // in the transaction and a write based on it. Servers lock rows, and only
+  // when they are written: the caller must lock what it reads first.
+  virtual bool BeginLocksForWriting() const { return false; }
+
+  // IsConstraintViolation: whether error is the database refusing a write for
+  // a constraint (not null, unique or primary key, check, foreign key):
+  // SQLSTATE class 23.
+  virtual bool IsConstraintViolation(const Error& error) const {
+    return error.SqlState().rfind("23", 0) == 0;
+  }
+  // ConstraintColumns: the columns a constraint violation names, without
+  // their table; empty when the message names none (or cannot be read).
+  virtual std::vector<std::string> ConstraintColumns(const Error& error) const {
+    (void)error;
+    return {};
   }
 
   // SetBusyTimeout: how long to wait for a database that another connection

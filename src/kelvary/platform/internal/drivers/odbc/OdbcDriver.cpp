@@ -9,6 +9,7 @@
 
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/internal/drivers/ConstraintMessages.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcConnection.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcParameters.h"
@@ -106,6 +107,18 @@ class OdbcConnection final : public DriverConnection {
   void RollbackTransaction() override;
   std::vector<std::string> KeyColumns(const std::string& table) override;
   Variant LastInsertedKey(const std::string& table, const std::string& key_column) override;
+  // A constraint failure is SQLSTATE class 23; the SQLite ODBC driver says
+  // so in its message only, in SQLite's words.
+  bool IsConstraintViolation(const Error& error) const override {
+    return DriverConnection::IsConstraintViolation(error) ||
+           error.Description().find("constraint failed") != std::string::npos;
+  }
+  std::vector<std::string> ConstraintColumns(const Error& error) const override {
+    if (error.Description().find("constraint failed") != std::string::npos) {
+      return internal::SqliteConstraintColumns(error.Description());
+    }
+    return internal::ServerConstraintColumns(error.Description());
+  }
   void SetBusyTimeout(int32_t seconds) override;
   void Close() override;
   std::string Name() const override { return "ODBC"; }

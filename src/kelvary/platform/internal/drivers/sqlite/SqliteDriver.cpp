@@ -11,6 +11,7 @@
 
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/internal/drivers/ConstraintMessages.h"
 #include "kelvary/platform/internal/drivers/sqlite/SqliteDialect.h"
 #include "kelvary/platform/internal/drivers/sqlite/SqliteTypes.h"
 
@@ -327,6 +328,13 @@ class SqliteConnection final : public DriverConnection {
     if (type == adDate) return "julianday(" + column + ") = julianday(?)";
     if (type == adBoolean) return "(" + column + " <> 0) = (? <> 0)";
     return column + " = ?";
+  }
+
+  // Transactions begin IMMEDIATE: the write lock is taken at once.
+  bool BeginLocksForWriting() const override { return true; }
+
+  std::vector<std::string> ConstraintColumns(const Error& error) const override {
+    return internal::SqliteConstraintColumns(error.Description());
   }
 
   void SetBusyTimeout(int32_t seconds) override {
