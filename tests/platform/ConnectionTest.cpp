@@ -2,10 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "RecordsetTestSupport.h"
 #include "kelvary/platform/SqlScript.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/ConnectionString.h"
 
 namespace kelvary::testing {
@@ -44,6 +47,35 @@ TEST(SqliteConnection, ConnectionStringsPickTheDriver) {
             internal::DriverChoice::kSqlite);
 }
 
+TEST(ConnectionString, OdbcKeysAreHandedOnWithTheirValuesWhole) {
+  struct Case {
+    const char* given;
+    const char* handed_on;
+  };
+  for (const Case& c : {
+           Case{"DSN=practice;UID=kelvary;PWD={x;y}", "DSN=practice;UID=kelvary;PWD={x;y};"},
+           Case{"Provider=MSDASQL;DSN=practice;UID=kelvary;PWD={x;UID=admin}",
+                "DSN=practice;UID=kelvary;PWD={x;UID=admin};"},
+           Case{"DSN=practice;PWD=\" secret \"", "DSN=practice;PWD={ secret };"},
+           Case{"DSN=practice;PWD={a}}b=c}", "DSN=practice;PWD={a}}b=c};"},
+           Case{"Data Source={a=b}", "DSN={a=b}"},
+       }) {
+    const internal::DriverChoice choice = internal::ChooseDriver(c.given);
+    EXPECT_EQ(choice.kind, internal::DriverChoice::kOdbc) << c.given;
+    EXPECT_EQ(choice.odbc_string, c.handed_on) << c.given;
+    // What is handed on reads back as the same items (the provider's keys aside).
+    auto original = internal::ParseConnectionString(c.given).items;
+    std::erase_if(original, [](const auto& item) { return item.first == "Provider"; });
+    if (original.front().first != "Data Source") {
+      EXPECT_EQ(internal::ParseConnectionString(choice.odbc_string).items, original) << c.given;
+    }
+  }
+  EXPECT_EQ(
+      internal::ParseConnectionString("PWD=\"say \"\"hi\"\"\";UID=u").items,
+      (std::vector<std::pair<std::string, std::string>>{{"PWD", "say \"hi\""}, {"UID", "u"}}));
+  EXPECT_EQ(internal::ParseConnectionString("PWD={open;UID=u").items.size(), 1u);
+}
+
 TEST(SqliteConnection, MissingFilesAndUnknownProvidersAreErrors) {
   TempDir dir;
   const std::string path = dir.File("absent.db");
@@ -78,6 +110,119 @@ TEST(SqliteConnection, MissingFilesAndUnknownProvidersAreErrors) {
             "The data source \"Main\" is reached through ODBC, and ODBC support is not built "
             "into this library");
 #endif
+}
+
+// Folder: the names of the files in a folder, sorted, joined by blanks.
+std::string Folder(const std::filesystem::path& dir) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  std::string out;
+  for (const auto& name : names)
+    out += (out.empty() ? "" : " ") + name;
+  return out;
+}
+
+std::string Bytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+TEST(SqliteConnection, OpeningRefusesWhatIsNoDatabaseWithSqlitesReasonAndChangesNothing) {
+  TestDatabase source;
+  source.Run("CREATE TABLE t (n INTEGER, s TEXT)");
+  for (int i = 0; i < 40; ++i)
+    source.Run("CREATE TABLE x" + std::to_string(i) + " (a, b, c); INSERT INTO t VALUES (" +
+               std::to_string(i) + ", 'some text to fill the pages of the file')");
+  source.Connection()->Close();
+  const std::string good = Bytes(source.Path());
+  ASSERT_GT(good.size(), 3 * 4096u);
+
+  TempDir dir;
+  struct Case {
+    const char* file;
+    std::string content;
+    const char* mode;
+    const char* reason;
+  };
+  const Case cases[] = {
+      {"empty.db", "", "", "the file is empty, which is no database"},
+      {"empty-ro.db", "", ";Mode=ReadOnly", "the file is empty"},
+      {"text.db", "hello, this is not a database\n", "", "file is not a database"},
+      {"text-ro.db", "hello, this is not a database\n", ";Mode=ReadOnly", "file is not a database"},
+      {"zeroed.db", std::string(8192, '\0'), "", "file is not a database"},
+      {"truncated.db", good.substr(0, 3 * 4096), "", "database disk image is malformed"},
+  };
+  for (const Case& c : cases) {
+    const std::string path = dir.File(c.file);
+    std::ofstream(path, std::ios::binary) << c.content;
+    auto connection = std::make_shared<Connection>();
+    const Error e =
+        ErrorOf([&] { connection->Open("Provider=SQLite;Data Source=" + path + c.mode); });
+    EXPECT_EQ(e.Number(), kErrProviderFailure) << c.file;
+    EXPECT_THAT(e.Description(), ::testing::StartsWith("Cannot open the SQLite database \"" + path))
+        << c.file;
+    EXPECT_THAT(e.Description(), ::testing::HasSubstr(c.reason)) << c.file;
+    EXPECT_EQ(connection->State(), adStateClosed);
+    ASSERT_EQ(connection->Errors().size(), 1u);
+    EXPECT_EQ(connection->Errors()[0].Description(), e.Description());
+    EXPECT_EQ(Bytes(path), c.content) << c.file;
+    std::filesystem::remove(path);
+  }
+  EXPECT_EQ(Folder(dir.Path()), "");  // no journal, log or index left behind
+
+  // Asked for, an empty file is made a database.
+  const std::string empty = dir.File("new.db");
+  std::ofstream(empty, std::ios::binary).close();
+  Connection().Open("Provider=SQLite;Data Source=" + empty + ";Mode=ReadWriteCreate");
+  EXPECT_GT(std::filesystem::file_size(empty), 0u);
+}
+
+TEST(SqliteConnection, AFileMarkedReadOnlyIsReadWithoutWritingToItOrBesideIt) {
+  namespace fs = std::filesystem;
+  TempDir dir;
+  const std::string path = dir.File("clinic.db");
+  {
+    Connection c;
+    c.Open("Provider=SQLite;Data Source=" + path + ";Mode=ReadWriteCreate");
+    ExecuteScript(c, "CREATE TABLE t (n INTEGER); INSERT INTO t VALUES (1), (2);");
+  }
+  ASSERT_EQ(Folder(dir.Path()), "clinic.db");
+  const std::string before = Bytes(path);
+  fs::permissions(path, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  for (const char* mode : {"", ";Mode=ReadOnly"}) {
+    auto c = std::make_shared<Connection>();
+    c->Open("Provider=SQLite;Data Source=" + path + mode);
+    EXPECT_EQ(Rows(c, "SELECT n FROM t ORDER BY n"), "1,2") << mode;
+    EXPECT_THAT(ErrorOf([&] { c->Execute("INSERT INTO t VALUES (3)"); }).Description(),
+                ::testing::HasSubstr("readonly"))
+        << mode;
+    EXPECT_EQ(Folder(dir.Path()), "clinic.db") << mode;
+    c->Close();
+  }
+  EXPECT_EQ(Folder(dir.Path()), "clinic.db");
+  EXPECT_EQ(Bytes(path), before);
+  fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
+}
+
+TEST(SqliteConnection, AFileHeldExclusivelyElsewhereIsReportedLocked) {
+  TestDatabase db;
+  db.Run("CREATE TABLE t (n INTEGER)");
+  db.Connection()->Close();
+  auto holder = db.Connect();
+  holder->Execute("PRAGMA locking_mode=EXCLUSIVE");
+  holder->Execute("BEGIN EXCLUSIVE");
+  holder->Execute("INSERT INTO t VALUES (1)");
+  auto other = std::make_shared<Connection>();
+  const Error e = ErrorOf([&] { other->Open(db.ConnectionString()); });
+  EXPECT_THAT(e.Description(), ::testing::StartsWith("Cannot open the SQLite database \"" +
+                                                     db.Path() + "\": database is locked"));
+  EXPECT_EQ(other->State(), adStateClosed);
+  holder->Execute("COMMIT");
+  holder->Close();
+  other->Open(db.ConnectionString());
+  EXPECT_EQ(Rows(other, "SELECT n FROM t"), "1");
 }
 
 // Connections: what a connection does on every backend.
@@ -158,6 +303,52 @@ TEST(SqlScript, SplitsOnSemicolonsOutsideQuotesCommentsAndTriggers) {
   EXPECT_EQ(statements[3].substr(0, 14), "CREATE TRIGGER");
   EXPECT_EQ(statements[3].substr(statements[3].size() - 3), "END");
   EXPECT_EQ(statements[4], "SELECT \"odd;name\" FROM [weird;table]");
+}
+
+TEST(SqlScript, ATriggerEndsOnlyAtTheEndOfItsBody) {
+  struct Case {
+    const char* script;
+    std::vector<std::string> statements;
+  };
+  const Case cases[] = {
+      // CASE ... END inside the body is not the trigger's end.
+      {"CREATE TABLE a (n INTEGER, k TEXT);\n"
+       "CREATE TRIGGER tr AFTER INSERT ON a BEGIN\n"
+       "  UPDATE a SET k = CASE WHEN new.n > 0 THEN 'pos' ELSE 'neg' END;\n"
+       "END;\n"
+       "INSERT INTO a (n) VALUES (1);",
+       {"CREATE TABLE a (n INTEGER, k TEXT)",
+        "CREATE TRIGGER tr AFTER INSERT ON a BEGIN\n"
+        "  UPDATE a SET k = CASE WHEN new.n > 0 THEN 'pos' ELSE 'neg' END;\n"
+        "END",
+        "INSERT INTO a (n) VALUES (1)"}},
+      // Quoted words are names, not keywords: no trigger here.
+      {"\"CREATE\" TRIGGER; SELECT 1;", {"\"CREATE\" TRIGGER", "SELECT 1"}},
+      {"CREATE \"TRIGGER\" x; SELECT 1", {"CREATE \"TRIGGER\" x", "SELECT 1"}},
+      // TEMP triggers, EXPLAIN in front, a comment between END and ';'.
+      {"create temp trigger t after delete on a begin select 1; end /* done */; select 2",
+       {"create temp trigger t after delete on a begin select 1; end  ", "select 2"}},
+      {"EXPLAIN CREATE TRIGGER t AFTER DELETE ON a BEGIN SELECT 1; END; SELECT 2",
+       {"EXPLAIN CREATE TRIGGER t AFTER DELETE ON a BEGIN SELECT 1; END", "SELECT 2"}},
+      // A word that only holds END is not END.
+      {"CREATE TRIGGER t AFTER DELETE ON a BEGIN SELECT 1 AS legend; SELECT 2 AS x_end; END; "
+       "SELECT 3",
+       {"CREATE TRIGGER t AFTER DELETE ON a BEGIN SELECT 1 AS legend; SELECT 2 AS x_end; END",
+        "SELECT 3"}},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> trimmed;
+    for (const std::string& s : SplitSqlScript(c.script))
+      trimmed.emplace_back(TrimSpace(s));
+    std::vector<std::string> expected;
+    for (const std::string& s : c.statements)
+      expected.emplace_back(TrimSpace(s));
+    EXPECT_EQ(trimmed, expected) << c.script;
+  }
+  // The trigger of the first case runs: the script is valid as a whole.
+  TestDatabase db;
+  db.Run(cases[0].script);
+  EXPECT_EQ(Rows(db.Connection(), "SELECT k FROM a"), "pos");
 }
 
 TEST_P(Connections, AFailingScriptStatementRollsTheScriptBackAndSaysWhichOneFailed) {

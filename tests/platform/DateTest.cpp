@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "kelvary/platform/Error.h"
 
 namespace kelvary {
@@ -63,6 +65,38 @@ TEST(Date, FormatPictures) {
                 FormatNumber(42, "0000") + " " + FormatNumber(2.5, "0") + " " +
                 FormatNumber(-1.25, "0.0"),
             "03 2024 0042 3 -1.3");
+}
+
+TEST(Date, TwelveHourClockShowsMidnightAndNoonAsTwelve) {
+  std::string texts;
+  for (const Date d : {TimeSerial(0, 7, 0), TimeSerial(11, 59, 0), TimeSerial(12, 0, 0),
+                       TimeSerial(12, 7, 0), TimeSerial(23, 59, 0)})
+    texts += Format(d, "h:nn AM/PM") + "|" + Format(d, "hh:nn am/pm") + "|";
+  EXPECT_EQ(texts,
+            "12:07 AM|12:07 AM|11:59 AM|11:59 AM|12:00 PM|12:00 PM|12:07 PM|12:07 PM|11:59 PM|"
+            "11:59 PM|");
+  // Without AM/PM the clock runs to 23.
+  EXPECT_EQ(Format(TimeSerial(0, 7, 0), "h:nn") + " " + Format(TimeSerial(12, 7, 0), "hh:nn"),
+            "0:07 12:07");
+}
+
+TEST(Date, HugeNumbersAreWrittenWholeOrRefused) {
+  EXPECT_EQ(FormatNumber(1e20, "00"), "100000000000000000000");
+  EXPECT_EQ(FormatNumber(-4e30, "0"), "-4000000000000000000000000000000");
+  EXPECT_EQ(FormatNumber(18446744073709551616.0, "0.00"), "18446744073709600000.00");
+  EXPECT_EQ(FormatNumber(999999999999999.4, "0"), "999999999999999");
+  EXPECT_EQ(FormatNumber(0.5, "0." + std::string(400, '0')).substr(0, 6), "0.5000");
+  EXPECT_EQ(FormatNumber(2.25, "0.0000000000"), "2.2500000000");
+  EXPECT_THROW(FormatNumber(std::numeric_limits<double>::infinity(), "0"), Error);
+  // A serial far beyond any calendar is an overflow, not a year of ten digits.
+  for (const double serial : {1e19, -1e19, std::numeric_limits<double>::quiet_NaN()}) {
+    try {
+      Format(Date(serial), "mm/dd/yyyy");
+      ADD_FAILURE() << serial;
+    } catch (const Error& e) {
+      EXPECT_EQ(e.Number(), kErrOverflow);
+    }
+  }
 }
 
 TEST(Date, ParseAcceptsEachFormAndRejectsInvalidDates) {

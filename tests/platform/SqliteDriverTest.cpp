@@ -72,6 +72,24 @@ TEST(SqliteDriver, DeclaredTypesMapToFieldTypesAndNullsStayNull) {
   EXPECT_TRUE(ex->Fields("empty").Value().IsNull());
 }
 
+TEST(SqliteDriver, ValuesBeyondACurrencyOrDateColumnsRangeReadAsStored) {
+  TestDatabase db;
+  db.Run(R"sql(
+    CREATE TABLE t (ID INTEGER PRIMARY KEY, Balance CURRENCY, Seen DATE);
+    INSERT INTO t VALUES (1, 10, 45356), (2, 1000000000000000, 1e19),
+      (3, 922337203685477.5807, -1e9), (4, -922337203685477, 2958465.5), (5, 1e300, NULL);
+  )sql");
+  auto rs = OpenRecordset(db.Connection(), "SELECT * FROM t ORDER BY ID");
+  std::string read;
+  for (; !rs->Eof(); rs->MoveNext())
+    read += TextOf(rs->Fields("Balance").Value()) + " " + TextOf(rs->Fields("Seen").Value()) + "|";
+  EXPECT_EQ(read,
+            "10 03/05/2024|1000000000000000 1E+19|922337203685478 -1000000000|"
+            "-922337203685477 12/31/9999 12:00:00|1E+300 |");
+  EXPECT_EQ(First(db.Connection(), "SELECT Balance FROM t WHERE ID = 2"),
+            Variant(int64_t{1000000000000000}));
+}
+
 TEST(SqliteDriver, DatesAndBooleansAreWrittenAsTheyAreStored) {
   TestDatabase db;
   db.Run("CREATE TABLE t (ID INTEGER PRIMARY KEY, d DATE, flag YESNO, c CURRENCY)");

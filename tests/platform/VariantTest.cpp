@@ -61,16 +61,30 @@ TEST(Variant, IntegerConversionRoundsHalvesToEvenAndReadsText) {
             "2|4|-2|2|12|2|16|-1|2");
   EXPECT_EQ(Each({0.5, 1.5, -32768}, [](const Variant& v) { return CInt(v); }), "0|2|-32768");
   EXPECT_EQ(CLngLng(Variant(int64_t{9007199254740993})), 9007199254740993);
+  // Whole-number text is read exactly, to the last of 64 bits.
+  EXPECT_EQ(Each({"9223372036854775807", "-9223372036854775808", " +9007199254740993 "},
+                 [](const Variant& v) { return CLngLng(v); }),
+            "9223372036854775807|-9223372036854775808|9007199254740993");
 }
 
 TEST(Variant, ConversionFailuresRaiseOverflowOrTypeMismatch) {
   const std::function<void()> overflow[] = {
       [] { CLng(Variant(2147483647.5)); }, [] { CLng(Variant(int64_t{1} << 40)); },
-      [] { CInt(Variant(32768)); }, [] { CSng(Variant(1e300)); }};
+      [] { CInt(Variant(32768)); }, [] { CSng(Variant(1e300)); },
+      // 2^63 and beyond, as text and as a double (which the largest Long Long
+      // itself rounds to)
+      [] { CLngLng(Variant("9223372036854775808")); },
+      [] { CLngLng(Variant("-9223372036854775809")); },
+      [] { CLngLng(Variant(9223372036854775807.0)); }, [] { CLngLng(Variant("9.3e18")); },
+      [] { CLng(Variant("2147483648")); },
+      // numbers taken for dates: as text the same years 100 to 9999 as numbers
+      [] { CDate(Variant("1e19")); }, [] { CDate(Variant("100000000")); },
+      [] { CDate(Variant(100000000.0)); }, [] { CDate(Variant("-700000")); }};
   const std::function<void()> mismatch[] = {
-      [] { CLng(Variant("abc")); },  [] { CLng(Variant("")); },
-      [] { CDbl(Variant("1,5")); },  [] { CDbl(Variant("inf")); },
-      [] { CBool(Variant("yes")); }, [] { CDate(Variant("31/31/2024")); }};
+      [] { CLng(Variant("abc")); },   [] { CLng(Variant("")); },
+      [] { CDbl(Variant("1,5")); },   [] { CDbl(Variant("inf")); },
+      [] { CBool(Variant("yes")); },  [] { CDate(Variant("31/31/2024")); },
+      [] { CLngLng(Variant("+-5")); }};
   for (const auto& call : overflow)
     EXPECT_EQ(ErrorNumberOf(call), kErrOverflow);
   for (const auto& call : mismatch)

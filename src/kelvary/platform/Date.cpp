@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 
 #include "kelvary/platform/Error.h"
@@ -60,6 +61,9 @@ struct Parts {
 
 Parts Split(Date d) {
   const double serial = d.Serial();
+  // Far beyond any calendar date (the years 100 to 9999 are about 3.6 million
+  // days); the bound keeps the day count and its year inside their integers.
+  if (!(std::fabs(serial) < 1e11)) throw Error(kErrOverflow, "Overflow");
   double whole = std::trunc(serial);
   double fraction = std::fabs(serial - whole);
   int64_t seconds = std::llround(fraction * kSecondsPerDay);
@@ -107,6 +111,16 @@ std::string Pad(int value, int width) {
   char buffer[32];
   std::snprintf(buffer, sizeof buffer, "%0*d", width, value);
   return buffer;
+}
+
+// FixedText: value with that many decimals, exactly as the double holds it,
+// at whatever length that takes.
+std::string FixedText(int decimals, double value) {
+  const int length = std::snprintf(nullptr, 0, "%.*f", decimals, value);
+  std::string out(static_cast<size_t>(length) + 1, '\0');
+  std::snprintf(out.data(), out.size(), "%.*f", decimals, value);
+  out.pop_back();
+  return out;
 }
 
 bool StartsWithNoCase(std::string_view text, size_t pos, std::string_view token) {
@@ -442,20 +456,39 @@ std::string FormatNumber(double value, std::string_view picture) {
     if (c == '0' || c == '#') ++decimals;
     if (c == '0') ++min_decimals;
   }
+  if (!std::isfinite(value)) throw Error(kErrOverflow, "Overflow");
   const double scale = std::pow(10.0, decimals);
-  const double scaled = std::round(std::fabs(value) * scale);  // halves away from zero
+  double scaled = std::round(std::fabs(value) * scale);  // halves away from zero
+  // The scaled value is a whole number: its digits are written out and the
+  // point placed in the text, so no size of number overflows an integer.
+  // With more decimals than the scaling can hold, the value's own expansion.
+  std::string units;
+  if (scaled >= 1e15 && std::isfinite(scaled)) {
+    // Fifteen significant digits, as a double is written everywhere else;
+    // the digits past them would only show the binary value's noise.
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.14e", scaled);
+    units = std::string(1, buffer[0]) + std::string(buffer + 2, 14);
+    units.append(static_cast<size_t>(std::atoi(buffer + 17) - 14), '0');
+  } else if (std::isfinite(scaled)) {
+    units = FixedText(0, scaled);
+  } else {
+    scaled = std::fabs(value);
+    units = FixedText(decimals, scaled);
+    units.erase(units.find('.'), 1);
+  }
   const bool negative = value < 0 && scaled != 0;
-  const auto units = static_cast<long double>(scaled);
-  const auto whole = static_cast<unsigned long long>(units / static_cast<long double>(scale));
-  const auto fraction =
-      static_cast<unsigned long long>(units - static_cast<long double>(whole) * scale);
-  std::string digits = std::to_string(whole);
-  if (whole == 0 && min_digits == 0) digits.clear();
+  if (units.size() <= static_cast<size_t>(decimals)) {
+    units.insert(0, static_cast<size_t>(decimals) + 1 - units.size(), '0');
+  }
+  const size_t whole_length = units.size() - static_cast<size_t>(decimals);
+  std::string digits = units.substr(0, whole_length);
+  if (digits == "0" && min_digits == 0) digits.clear();
   while (static_cast<int>(digits.size()) < min_digits)
     digits.insert(digits.begin(), '0');
   std::string out = negative ? "-" + digits : digits;
   if (decimals > 0) {
-    std::string frac = Pad(static_cast<int>(fraction), decimals);
+    std::string frac = units.substr(whole_length);
     while (static_cast<int>(frac.size()) > min_decimals && frac.back() == '0')
       frac.pop_back();
     if (!frac.empty() || point != std::string_view::npos) {

@@ -27,26 +27,43 @@ std::vector<std::string> LeadingWords(std::string_view statement, size_t limit) 
   return words;
 }
 
-bool IsTrigger(std::string_view statement) {
-  const auto words = LeadingWords(statement, 3);
-  return words.size() >= 2 && words[0] == "CREATE" &&
-         (words[1] == "TRIGGER" ||
-          (words.size() == 3 && (words[1] == "TEMP" || words[1] == "TEMPORARY") &&
-           words[2] == "TRIGGER"));
+// The splitter reads the script as SQLite's tokenizer does and ends a
+// statement where SQLite would find it complete. Words are what SQLite takes
+// for one: letters, digits, '_', '$' and any byte above 127.
+bool IsWordChar(char c) {
+  const auto u = static_cast<unsigned char>(c);
+  return std::isalnum(u) || c == '_' || c == '$' || u >= 0x80;
 }
 
-// EndsWithEnd: the statement so far ends in the word END.
-bool EndsWithEnd(std::string_view text) {
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-    text.remove_suffix(1);
-  if (text.size() < 3) return false;
-  std::string last(text.substr(text.size() - 3));
-  for (char& c : last)
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  const bool boundary =
-      text.size() == 3 || !(std::isalnum(static_cast<unsigned char>(text[text.size() - 4])) ||
-                            text[text.size() - 4] == '_');
-  return last == "END" && boundary;
+enum class Token { kSemi, kBlank, kOther, kExplain, kCreate, kTemp, kTrigger, kEnd };
+
+Token WordToken(std::string_view word) {
+  if (EqualsNoCase(word, "CREATE")) return Token::kCreate;
+  if (EqualsNoCase(word, "TEMP") || EqualsNoCase(word, "TEMPORARY")) return Token::kTemp;
+  if (EqualsNoCase(word, "TRIGGER")) return Token::kTrigger;
+  if (EqualsNoCase(word, "END")) return Token::kEnd;
+  if (EqualsNoCase(word, "EXPLAIN")) return Token::kExplain;
+  return Token::kOther;
+}
+
+// Where a statement stands: a ';' completes it in kStart only. Inside a
+// CREATE TRIGGER the body's own ';' are kept until "; END ;" closes it (an
+// END elsewhere, as in CASE ... END, does not).
+enum State { kInvalid, kStart, kNormal, kExplain, kCreate, kTrigger, kSemi, kEnd };
+
+State Next(State state, Token token) {
+  // Columns in the order of Token: Semi, Blank, Other, Explain, Create, Temp, Trigger, End.
+  static constexpr State kMoves[8][8] = {
+      /* kInvalid */ {kStart, kInvalid, kNormal, kExplain, kCreate, kNormal, kNormal, kNormal},
+      /* kStart   */ {kStart, kStart, kNormal, kExplain, kCreate, kNormal, kNormal, kNormal},
+      /* kNormal  */ {kStart, kNormal, kNormal, kNormal, kNormal, kNormal, kNormal, kNormal},
+      /* kExplain */ {kStart, kExplain, kExplain, kNormal, kCreate, kNormal, kNormal, kNormal},
+      /* kCreate  */ {kStart, kCreate, kNormal, kNormal, kNormal, kCreate, kTrigger, kNormal},
+      /* kTrigger */ {kSemi, kTrigger, kTrigger, kTrigger, kTrigger, kTrigger, kTrigger, kTrigger},
+      /* kSemi    */ {kSemi, kSemi, kTrigger, kTrigger, kTrigger, kTrigger, kTrigger, kEnd},
+      /* kEnd     */ {kStart, kEnd, kTrigger, kTrigger, kTrigger, kTrigger, kTrigger, kTrigger},
+  };
+  return kMoves[state][static_cast<int>(token)];
 }
 
 }  // namespace
@@ -54,31 +71,46 @@ bool EndsWithEnd(std::string_view text) {
 std::vector<std::string> SplitSqlScript(std::string_view sql) {
   std::vector<std::string> statements;
   std::string current;
+  State state = kInvalid;
   size_t i = 0;
   auto finish = [&]() {
     std::string statement(TrimSpace(current));
     if (!statement.empty()) statements.push_back(std::move(statement));
     current.clear();
+    state = kInvalid;
   };
   while (i < sql.size()) {
     const char c = sql[i];
     const size_t comment_end = internal::EndOfComment(sql, i);
-    if (internal::OpensQuoted(c)) {
+    if (comment_end != i) {
+      if (c == '/') current += ' ';  // a block comment separates like a blank
+      state = Next(state, Token::kBlank);
+      i = comment_end;
+    } else if (internal::OpensQuoted(c)) {
       const size_t j = internal::EndOfQuoted(sql, i);
       current.append(sql.substr(i, j - i));
+      state = Next(state, Token::kOther);
       i = j;
-    } else if (comment_end != i) {
-      if (c == '/') current += ' ';  // a block comment separates like a blank
-      i = comment_end;
     } else if (c == ';') {
-      if (IsTrigger(current) && !EndsWithEnd(current)) {
-        current += c;  // a ';' inside the trigger's body
-      } else {
+      state = Next(state, Token::kSemi);
+      if (state == kStart) {
         finish();
+      } else {
+        current += c;  // a ';' inside a trigger's body
       }
       ++i;
+    } else if (IsWordChar(c)) {
+      size_t j = i + 1;
+      while (j < sql.size() && IsWordChar(sql[j]))
+        ++j;
+      const std::string_view word = sql.substr(i, j - i);
+      current.append(word);
+      state = Next(state, WordToken(word));
+      i = j;
     } else {
       current += c;
+      const bool blank = c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
+      state = Next(state, blank ? Token::kBlank : Token::kOther);
       ++i;
     }
   }

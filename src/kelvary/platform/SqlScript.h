@@ -3,7 +3,8 @@
 //
 // Statements are separated by ';' outside quoted text ('...', "...", [...],
 // `...`) and comments (-- to the end of the line, /* ... */); a CREATE
-// TRIGGER runs up to its END. Comments and empty statements are skipped.
+// TRIGGER runs up to the "; END" that closes its body, as SQLite itself
+// reads it. Comments and empty statements are skipped.
 // Same thread rules as the connection.
 #pragma once
 

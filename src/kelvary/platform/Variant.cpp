@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cerrno>
 #include <cfenv>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -55,6 +56,23 @@ std::optional<double> ParseNumber(std::string_view text) {
   return value;
 }
 
+// Reads text made of an optional sign and decimal digits alone as a whole
+// number, without the detour through double that loses the last digits of
+// large values. nullopt for any other text; Overflow beyond 64 bits.
+std::optional<int64_t> ParseWholeNumber(std::string_view text) {
+  text = TrimSpace(text);
+  if (!text.empty() && text.front() == '+') {
+    text.remove_prefix(1);
+    if (!text.empty() && text.front() == '-') return std::nullopt;
+  }
+  int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (end != text.data() + text.size()) return std::nullopt;
+  if (error == std::errc::result_out_of_range) ThrowOverflow();
+  if (error != std::errc()) return std::nullopt;
+  return value;
+}
+
 // The numeric value of any kind that has one, for the number conversions.
 double NumericValue(const Variant& v) {
   switch (v.Type()) {
@@ -97,14 +115,29 @@ Int ToInteger(const Variant& v) {
     }
     return static_cast<Int>(*i);
   }
+  if (const auto* s = v.Get<std::string>()) {  // whole-number text too: 2^63 - 1 is exact
+    if (const auto i = ParseWholeNumber(*s)) {
+      if (*i < std::numeric_limits<Int>::min() || *i > std::numeric_limits<Int>::max()) {
+        ThrowOverflow();
+      }
+      return static_cast<Int>(*i);
+    }
+  }
   const double d = NumericValue(v);
   if (std::isnan(d)) ThrowOverflow();
   const double r = RoundHalfEven(d);
-  if (r < static_cast<double>(std::numeric_limits<Int>::min()) ||
-      r > static_cast<double>(std::numeric_limits<Int>::max())) {
-    ThrowOverflow();
-  }
+  // The type's minimum is a power of two, exact as a double, and so is its
+  // negation, one past the maximum; the maximum itself rounds up to it.
+  constexpr double kLowest = static_cast<double>(std::numeric_limits<Int>::min());
+  if (r < kLowest || r >= -kLowest) ThrowOverflow();
   return static_cast<Int>(r);
+}
+
+// A number taken for a date, as text or as a number alike: only the years
+// 100 to 9999 are dates.
+Date DateOfSerial(double serial) {
+  if (!(serial > -657435.0 && serial < 2958466.0)) ThrowOverflow();
+  return Date(serial);
 }
 
 std::string TrimmedNumber(const char* format, double value) {
@@ -287,14 +320,11 @@ Date CDate(const Variant& v) {
     case vbString: {
       const std::string& s = *v.Get<std::string>();
       if (auto d = ParseDate(s)) return *d;
-      if (auto n = ParseNumber(s)) return Date(*n);
+      if (auto n = ParseNumber(s)) return DateOfSerial(*n);
       ThrowTypeMismatch();
     }
-    default: {
-      const double serial = NumericValue(v);
-      if (!(serial > -657435.0 && serial < 2958466.0)) ThrowOverflow();  // years 100 to 9999
-      return Date(serial);
-    }
+    default:
+      return DateOfSerial(NumericValue(v));
   }
 }
 

@@ -40,10 +40,25 @@ ConnectionStringItems ParseConnectionString(std::string_view text) {
       ++v;
     std::string value;
     if (v < text.size() && (text[v] == '{' || text[v] == '"')) {
+      // A doubled closing character stands for itself: "}}" inside braces.
       const char close = text[v] == '{' ? '}' : '"';
-      const size_t end = text.find(close, v + 1);
-      const size_t stop = end == std::string_view::npos ? text.size() : end;
-      value = std::string(text.substr(v + 1, stop - v - 1));
+      size_t stop = v + 1;
+      for (;;) {
+        const size_t end = text.find(close, stop);
+        if (end == std::string_view::npos) {  // unclosed: the rest of the text
+          value.append(text.substr(stop));
+          stop = text.size();
+          break;
+        }
+        value.append(text.substr(stop, end - stop));
+        if (end + 1 < text.size() && text[end + 1] == close) {
+          value += close;
+          stop = end + 2;
+          continue;
+        }
+        stop = end;
+        break;
+      }
       i = stop == text.size() ? stop : stop + 1;
       const size_t next = text.find(';', i);
       i = next == std::string_view::npos ? text.size() : next + 1;
@@ -56,6 +71,19 @@ ConnectionStringItems ParseConnectionString(std::string_view text) {
     if (!key.empty()) result.items.emplace_back(std::move(key), std::move(value));
   }
   return result;
+}
+
+std::string QuoteConnectionValue(std::string_view value) {
+  const bool plain = !value.empty() && value.find_first_of(";{}=") == std::string_view::npos &&
+                     value.front() != ' ' && value.back() != ' ' && value.front() != '"';
+  if (plain) return std::string(value);
+  std::string out = "{";
+  for (const char c : value) {
+    out += c;
+    if (c == '}') out += '}';
+  }
+  out += '}';
+  return out;
 }
 
 bool IsSqliteFileName(std::string_view name) {
@@ -111,7 +139,7 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
       } else {
         // The provider's own keys for the credentials go to ODBC as UID and PWD.
         choice.kind = DriverChoice::kOdbc;
-        choice.odbc_string = "DSN=" + data_source;
+        choice.odbc_string = "DSN=" + QuoteConnectionValue(data_source);
         choice.user = items.Get("User ID").value_or("");
         choice.password = items.Get("Password").value_or("");
       }
@@ -123,7 +151,7 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
       for (const auto& [key, value] : items.items) {
         const std::string k = LowerCase(key);
         if (k == "provider" || k == "data provider") continue;
-        choice.odbc_string += key + "=" + value + ";";
+        choice.odbc_string += key + "=" + QuoteConnectionValue(value) + ";";
       }
       choice.data_source = *dsn;
       return choice;

@@ -1,6 +1,7 @@
 // ConnectionString: reads "key=value;key=value" connection strings and
 // decides which driver one names. Keys compare without regard to case;
-// a value may be wrapped in {braces} or "quotes" to hold a ';'.
+// a value may be wrapped in {braces} or "quotes" to hold a ';', and a doubled
+// closing character inside stands for itself ("{a}}b}" is a}b).
 // Pure functions; thread-safe.
 #pragma once
 
@@ -20,6 +21,12 @@ struct ConnectionStringItems {
 };
 
 ConnectionStringItems ParseConnectionString(std::string_view text);
+
+// QuoteConnectionValue: value as it may stand after "key=" so that the
+// string reads it back whole: wrapped in braces (a '}' inside doubled) when
+// it holds ';', '=', a brace, or starts with a quote or a blank or ends in
+// one; as it stands otherwise.
+std::string QuoteConnectionValue(std::string_view value);
 
 // IsSqliteFileName: whether a data-source name names a SQLite database file
 // rather than an ODBC data source: it holds a path separator or ends in

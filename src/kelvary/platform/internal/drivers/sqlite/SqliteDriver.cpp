@@ -20,6 +20,9 @@ namespace {
 
 constexpr const char* kSource = "SQLite";
 constexpr size_t kCachedStatements = 128;
+// How long opening waits for a lock held by another connection before it
+// reports the file locked.
+constexpr int kOpeningWaitMs = 2000;
 
 // RestIsEmpty: only blanks and comments follow the first statement.
 bool RestIsEmpty(const char* tail) {
@@ -127,13 +130,21 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
       }
       return as_stored();
     case ValueKind::kCurrency:
+      // A value beyond the currency's range (about 9.2 x 10^14) is read as
+      // stored rather than wrapped round or failing the whole statement.
       if (storage == SQLITE_INTEGER) {
-        cells.emplace_back(Currency{sqlite3_column_int64(stmt, column) * 10000});
-        return;
-      }
-      if (storage == SQLITE_FLOAT) {
-        cells.emplace_back(Currency::FromDouble(sqlite3_column_double(stmt, column)));
-        return;
+        constexpr int64_t kLargest = INT64_MAX / 10000;
+        const int64_t v = sqlite3_column_int64(stmt, column);
+        if (v >= -kLargest && v <= kLargest) {
+          cells.emplace_back(Currency{v * 10000});
+          return;
+        }
+      } else if (storage == SQLITE_FLOAT) {
+        const double v = sqlite3_column_double(stmt, column);
+        if (v > -922337203685477.0 && v < 922337203685477.0) {
+          cells.emplace_back(Currency::FromDouble(v));
+          return;
+        }
       }
       return as_stored();
     case ValueKind::kBoolean:
@@ -156,8 +167,11 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
           return;
         }
       } else if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
-        cells.emplace_back(Date(sqlite3_column_double(stmt, column)));
-        return;
+        const double serial = sqlite3_column_double(stmt, column);
+        if (serial > -657435.0 && serial < 2958466.0) {  // the years 100 to 9999
+          cells.emplace_back(Date(serial));
+          return;
+        }
       }
       return as_stored();
     case ValueKind::kText:
@@ -219,13 +233,20 @@ class SqliteConnection final : public DriverConnection {
   SqliteConnection(const SqliteConnection&) = delete;
   SqliteConnection& operator=(const SqliteConnection&) = delete;
 
-  void Configure(OpenMode mode, int32_t busy_timeout_seconds) {
+  // Configure readies a newly opened file. The schema is read at once, so a
+  // file that is no database, a damaged one or one that another program
+  // holds locked is refused here, with SQLite's reason, rather than at the
+  // first statement; and a lock held elsewhere is reported after a short
+  // wait, not after the whole command timeout.
+  void Configure(bool writable, int32_t busy_timeout_seconds) {
     sqlite3_extended_result_codes(db_, 1);
-    SetBusyTimeout(busy_timeout_seconds);
     if (RegisterDialectFunctions(db_) != SQLITE_OK) Fail("registering the dialect functions");
-    if (mode != OpenMode::kReadOnly) Exec("PRAGMA journal_mode=WAL");
+    sqlite3_busy_timeout(db_, kOpeningWaitMs);
+    Exec("SELECT count(*) FROM sqlite_master");
+    if (writable) Exec("PRAGMA journal_mode=WAL");
     Exec("PRAGMA synchronous=FULL");
     Exec("PRAGMA foreign_keys=ON");
+    SetBusyTimeout(busy_timeout_seconds);
   }
 
   StatementResult Run(const std::string& sql, const std::vector<Variant>& params,
@@ -376,9 +397,13 @@ class SqliteConnection final : public DriverConnection {
     if (sqlite3_exec(db_, sql, nullptr, nullptr, &message) != SQLITE_OK) {
       std::string text = message ? message : sqlite3_errmsg(db_);
       sqlite3_free(message);
-      throw Error(kErrProviderFailure,
-                  "Cannot set up the SQLite database \"" + path_ + "\": " + text, kSource)
-          .WithNativeError(sqlite3_extended_errcode(db_))
+      const int code = sqlite3_extended_errcode(db_);
+      if ((code & 0xFF) == SQLITE_BUSY || (code & 0xFF) == SQLITE_LOCKED) {
+        text += " (another program holds it)";
+      }
+      throw Error(kErrProviderFailure, "Cannot open the SQLite database \"" + path_ + "\": " + text,
+                  kSource)
+          .WithNativeError(code)
           .WithStatement(sql);
     }
   }
@@ -519,42 +544,96 @@ class SqliteConnection final : public DriverConnection {
 
 }  // namespace
 
+namespace {
+
+// FileUri: path as a "file:" name, for the open options that only a name of
+// that form can carry.
+std::string FileUri(const std::string& path, const char* query) {
+  std::string uri = "file:";
+  for (const char c : path) {
+    const auto u = static_cast<unsigned char>(c);
+    if (std::isalnum(u) || c == '/' || c == '.' || c == '-' || c == '_' || c == '~') {
+      uri += c;
+    } else {
+      static constexpr char kHex[] = "0123456789ABCDEF";
+      uri += '%';
+      uri += kHex[u >> 4];
+      uri += kHex[u & 15];
+    }
+  }
+  return uri + "?" + query;
+}
+
+bool MarkedReadOnly(const std::filesystem::path& file) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::perms perms = fs::status(file, error).permissions();
+  return !error && (perms & (fs::perms::owner_write | fs::perms::group_write |
+                             fs::perms::others_write)) == fs::perms::none;
+}
+
+}  // namespace
+
 std::unique_ptr<DriverConnection> OpenSqliteConnection(const std::string& path, OpenMode mode,
                                                        int32_t busy_timeout_seconds) {
+  namespace fs = std::filesystem;
   const bool in_memory = path == ":memory:";
+  auto refuse = [&path](const std::string& why) {
+    return Error(kErrProviderFailure, "Cannot open the SQLite database \"" + path + "\": " + why,
+                 kSource);
+  };
+  // Only Mode=ReadWriteCreate makes a database: an absent file is not
+  // created, and an empty one (which SQLite would take for a new database
+  // and write to) is not a database.
+  bool read_only = mode == OpenMode::kReadOnly;
+  bool immutable = false;
   if (!in_memory && mode != OpenMode::kReadWriteCreate) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path, ignored)) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) {
       throw Error(kErrProviderFailure,
                   "The SQLite database file \"" + path +
                       "\" does not exist (Mode=ReadWriteCreate in the connection string creates "
                       "it)",
                   kSource);
     }
+    if (fs::is_regular_file(status) && fs::file_size(path, error) == 0 && !error) {
+      throw refuse(
+          "the file is empty, which is no database (Mode=ReadWriteCreate in the connection "
+          "string makes one of it)");
+    }
+    // A file marked read-only is read without writing to it or beside it:
+    // no WAL index or log is created next to it, unless a log is there
+    // already that holds changes still to be read.
+    if (MarkedReadOnly(path)) {
+      read_only = true;
+      const fs::path wal = path + "-wal";
+      immutable = !fs::exists(wal, error) || fs::file_size(wal, error) == 0;
+    }
   }
   int flags = SQLITE_OPEN_NOMUTEX;
-  switch (mode) {
-    case OpenMode::kReadOnly:
-      flags |= SQLITE_OPEN_READONLY;
-      break;
-    case OpenMode::kReadWrite:
-      flags |= SQLITE_OPEN_READWRITE;
-      break;
-    case OpenMode::kReadWriteCreate:
-      flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-      break;
+  if (read_only) {
+    flags |= SQLITE_OPEN_READONLY;
+  } else if (mode == OpenMode::kReadWriteCreate) {
+    flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  } else {
+    flags |= SQLITE_OPEN_READWRITE;
+  }
+  std::string name = path;
+  if (immutable) {
+    flags |= SQLITE_OPEN_URI;
+    name = FileUri(path, "immutable=1");
   }
   sqlite3* db = nullptr;
-  const int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
+  const int rc = sqlite3_open_v2(name.c_str(), &db, flags, nullptr);
   if (rc != SQLITE_OK) {
     const std::string message = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
     sqlite3_close_v2(db);
-    throw Error(kErrProviderFailure, "Cannot open the SQLite database \"" + path + "\": " + message,
-                kSource)
-        .WithNativeError(rc);
+    throw refuse(message).WithNativeError(rc);
   }
   auto connection = std::make_unique<SqliteConnection>(db, path);
-  connection->Configure(mode, busy_timeout_seconds);
+  // SQLite itself falls back to reading a file it may not write.
+  connection->Configure(!read_only && sqlite3_db_readonly(db, "main") != 1, busy_timeout_seconds);
   return connection;
 }
 

@@ -32,8 +32,13 @@ enum class OpenMode {
 };
 
 // OpenSqliteConnection opens the database file at path (":memory:" for a
-// private in-memory database). Raises Error 3000 naming the file when it is
-// absent (and mode does not create it) or cannot be opened.
+// private in-memory database). Raises Error 3000 naming the file and the
+// reason when it is absent or empty (and mode does not create it), is no
+// database or a damaged one ("file is not a database", "database disk image
+// is malformed"), or is locked by another program ("database is locked",
+// after a wait of two seconds at most). A file marked read-only is opened
+// for reading whatever the mode, and nothing is written to it or created
+// beside it.
 std::unique_ptr<DriverConnection> OpenSqliteConnection(const std::string& path, OpenMode mode,
                                                        int32_t busy_timeout_seconds);
 
