@@ -12,6 +12,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_G
    AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(kelvary_options INTERFACE $<BUILD_INTERFACE:-Wno-restrict>)
 endif()
+if(KELVARY_FUZZ)
+  # The library and the fuzz targets with the fuzzer's coverage and both
+  # sanitizers; the fuzz targets add the fuzzer's own main when they link.
+  target_compile_options(kelvary_options INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer>)
+  target_link_options(kelvary_options INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all>)
+endif()
 if(KELVARY_SANITIZE)
   target_compile_options(kelvary_options INTERFACE
     $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer>)

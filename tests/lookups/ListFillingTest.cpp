@@ -10,6 +10,7 @@ TEST_P(ListFillingTest, OptionsOfALinkGoInTheFormTheControlTakes) {
   RecordingListControl standard(true);
   standard.Tag("ready");
   link_.FillComboWithOptions(standard, 31);
+  ASSERT_FALSE(Selects().empty());
   EXPECT_EQ(Selects().back(), "Select  Description , ID from Drugs  Order by  Description");
   EXPECT_THAT(standard.Calls(),
               ElementsAre("Tag=ready", "Tag=P", "Clear", "AddItem(Aspirin)", "ItemData(0)=12",
@@ -90,6 +91,7 @@ TEST_P(ListFillingTest, RecordsFromTheCallerAlwaysLeaveTheTagEmpty) {
 TEST_P(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
   RecordingListControl list(true);
   link_.RefreshHierarchicalList(pdsmaindata, list, "Description", "ID", "Cities", "x");
+  ASSERT_GE(Selects().size(), 2u);
   EXPECT_EQ(Selects()[Selects().size() - 2],
             "Select Description ,ID  from Cities where ( ID > 0 ) and ( ParentID = 0)   order by "
             "description ");
@@ -103,6 +105,7 @@ TEST_P(ListFillingTest, HierarchyShowsTwoLevelsAndLeavesGrandchildrenOut) {
 
   link_.RefreshHierarchicalList(pdsmaindata, list, "Description", "ID", "Cities",
                                 "Description <> 'Eastbank'");
+  ASSERT_FALSE(Selects().empty());
   EXPECT_THAT(Selects().back(), HasSubstr("( ParentID > 0)  and ( Description <> 'Eastbank' )  "
                                           "order by description "));
   EXPECT_THAT(list.ItemTexts(), ElementsAre("Harbour", "Westfield", "--- > North Westfield"));
@@ -114,6 +117,7 @@ TEST_P(ListFillingTest, DataFormatsOfAUsageIncludeThoseForEveryUsage) {
       "INSERT INTO DataFormatUsages VALUES (1, 1, 0), (2, 2, 5), (3, 3, 6), (4, 2, 5), (5, 0, 0)");
   RecordingListControl list(true);
   link_.FillComboWithValidDataTypes(list, 5);
+  ASSERT_FALSE(Selects().empty());
   EXPECT_EQ(Selects().back(),
             "Select Distinct DataFormats.Description ,DataFormatUsages.DataFormatID from "
             "DataFormats , DataFormatUsages  Where ( DataFormatUsages.DataFormatID = "

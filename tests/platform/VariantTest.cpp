@@ -65,6 +65,11 @@ TEST(Variant, IntegerConversionRoundsHalvesToEvenAndReadsText) {
   EXPECT_EQ(Each({"9223372036854775807", "-9223372036854775808", " +9007199254740993 "},
                  [](const Variant& v) { return CLngLng(v); }),
             "9223372036854775807|-9223372036854775808|9007199254740993");
+  // Decimal text is a currency to the fourth decimal, halves to even, at any size.
+  EXPECT_EQ(Each({"922337203685477.5807", "-922337203685477.5808", "0.00005", "0.00015",
+                  "-0.000150001", " 12.5 ", "1e3"},
+                 [](const Variant& v) { return CCur(v); }),
+            "922337203685477.5807|-922337203685477.5808|0|0.0002|-0.0002|12.5|1000");
 }
 
 TEST(Variant, ConversionFailuresRaiseOverflowOrTypeMismatch) {
@@ -76,7 +81,8 @@ TEST(Variant, ConversionFailuresRaiseOverflowOrTypeMismatch) {
       [] { CLngLng(Variant("9223372036854775808")); },
       [] { CLngLng(Variant("-9223372036854775809")); },
       [] { CLngLng(Variant(9223372036854775807.0)); }, [] { CLngLng(Variant("9.3e18")); },
-      [] { CLng(Variant("2147483648")); },
+      [] { CLng(Variant("2147483648")); }, [] { CCur(Variant("922337203685477.5808")); },
+      [] { CCur(Variant("-99999999999999999999")); },
       // numbers taken for dates: as text the same years 100 to 9999 as numbers
       [] { CDate(Variant("1e19")); }, [] { CDate(Variant("100000000")); },
       [] { CDate(Variant(100000000.0)); }, [] { CDate(Variant("-700000")); }};

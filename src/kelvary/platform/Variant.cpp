@@ -73,6 +73,51 @@ std::optional<int64_t> ParseWholeNumber(std::string_view text) {
   return value;
 }
 
+// Reads plain decimal text ("-12.3456", "922337203685477.5807") as a
+// currency without the detour through double, which cannot hold the
+// largest amounts to the fourth decimal; halves to even at the fourth
+// decimal as FromDouble. nullopt for any other text (exponents, &H);
+// Overflow beyond the currency's range.
+std::optional<Currency> ParseCurrency(std::string_view text) {
+  text = TrimSpace(text);
+  bool negative = false;
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+    negative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  const size_t point = text.find('.');
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view fraction =
+      point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+  auto digits = [](std::string_view d) {
+    for (char c : d)
+      if (c < '0' || c > '9') return false;
+    return true;
+  };
+  if ((whole.empty() && fraction.empty()) || !digits(whole) || !digits(fraction)) {
+    return std::nullopt;
+  }
+  // Magnitudes are counted in ten-thousandths, in unsigned 64 bits, which
+  // hold 2^63 (the most negative amount) with room to spare.
+  constexpr uint64_t kLimit = uint64_t{1} << 63;
+  uint64_t units = 0;
+  for (char c : whole) {
+    units = units * 10 + static_cast<uint64_t>(c - '0');
+    if (units > kLimit / 10000) ThrowOverflow();
+  }
+  uint64_t decimals = 0;
+  for (size_t i = 0; i < 4; ++i)
+    decimals = decimals * 10 + (i < fraction.size() ? static_cast<uint64_t>(fraction[i] - '0') : 0);
+  units = units * 10000 + decimals;
+  if (fraction.size() > 4) {
+    const char next = fraction[4];
+    const bool beyond_half = fraction.find_first_not_of('0', 5) != std::string_view::npos;
+    if (next > '5' || (next == '5' && (beyond_half || units % 2 == 1))) ++units;
+  }
+  if (units > kLimit || (units == kLimit && !negative)) ThrowOverflow();
+  return Currency{negative ? static_cast<int64_t>(0 - units) : static_cast<int64_t>(units)};
+}
+
 // The numeric value of any kind that has one, for the number conversions.
 double NumericValue(const Variant& v) {
   switch (v.Type()) {
@@ -298,6 +343,9 @@ float CSng(const Variant& v) {
 
 Currency CCur(const Variant& v) {
   if (const auto* c = v.Get<Currency>()) return *c;
+  if (const auto* s = v.Get<std::string>()) {
+    if (const auto c = ParseCurrency(*s)) return *c;
+  }
   return Currency::FromDouble(CDbl(v));
 }
 

@@ -75,7 +75,9 @@ ConnectionStringItems ParseConnectionString(std::string_view text) {
 
 std::string QuoteConnectionValue(std::string_view value) {
   const bool plain = !value.empty() && value.find_first_of(";{}=") == std::string_view::npos &&
-                     value.front() != ' ' && value.back() != ' ' && value.front() != '"';
+                     !std::isspace(static_cast<unsigned char>(value.front())) &&
+                     !std::isspace(static_cast<unsigned char>(value.back())) &&
+                     value.front() != '"';
   if (plain) return std::string(value);
   std::string out = "{";
   for (const char c : value) {

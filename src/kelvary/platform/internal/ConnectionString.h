@@ -24,8 +24,8 @@ ConnectionStringItems ParseConnectionString(std::string_view text);
 
 // QuoteConnectionValue: value as it may stand after "key=" so that the
 // string reads it back whole: wrapped in braces (a '}' inside doubled) when
-// it holds ';', '=', a brace, or starts with a quote or a blank or ends in
-// one; as it stands otherwise.
+// it holds ';', '=', a brace, starts with a quote, or starts or ends with
+// white space; as it stands otherwise.
 std::string QuoteConnectionValue(std::string_view value);
 
 // IsSqliteFileName: whether a data-source name names a SQLite database file
