@@ -10,8 +10,8 @@
 #include <cctype>
 
 #include "FuzzSupport.h"
-#include "kelvary/platform/drivers/sqlite/SqliteDialect.h"
 #include "kelvary/platform/internal/LikePattern.h"
+#include "kelvary/platform/internal/drivers/sqlite/SqliteDialect.h"
 
 using namespace kelvary;
 using kelvary::fuzz::Violation;

@@ -12,7 +12,7 @@
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/SqlScript.h"
-#include "kelvary/platform/shape/ShapeParser.h"
+#include "kelvary/platform/internal/shape/ShapeParser.h"
 
 using namespace kelvary;
 using kelvary::fuzz::Refused;
