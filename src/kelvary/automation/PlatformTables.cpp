@@ -1,0 +1,228 @@
+// The member tables of the data-access objects a host holds: Connection,
+// Recordset, and a recordset's Fields and Field. A recordset's default
+// member is Fields, whose default is Item, whose default is the field's
+// Value: rs("X") reads rs.Fields.Item("X").Value.
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "kelvary/automation/internal/Classes.h"
+#include "kelvary/automation/internal/CollectionMembers.h"
+#include "kelvary/platform/Text.h"
+
+namespace kelvary::automation {
+
+using internal::ClassBuilder;
+using internal::RecordsetField;
+using internal::RecordsetFields;
+
+namespace {
+
+std::shared_ptr<RecordsetField> FieldAt(const std::shared_ptr<Recordset>& rs, int32_t ordinal) {
+  rs->Fields(ordinal);  // an ordinal out of range raises here
+  return std::make_shared<RecordsetField>(RecordsetField{rs, ordinal});
+}
+
+// FieldNamed: the field by name; an unknown name raises the recordset's own
+// error.
+std::shared_ptr<RecordsetField> FieldNamed(const std::shared_ptr<Recordset>& rs,
+                                           std::string_view name) {
+  const kelvary::Field& wanted = rs->Fields(name);
+  for (int32_t i = 0; i < rs->FieldCount(); ++i) {
+    if (&rs->Fields(i) == &wanted) return std::make_shared<RecordsetField>(RecordsetField{rs, i});
+  }
+  throw Error(kErrItemNotFound,
+              "Item cannot be found in the collection corresponding to the "
+              "requested name or ordinal.");
+}
+
+// ConnectionArg: a recordset's connection given as a Connection or as a
+// connection string (opened for this recordset alone).
+std::shared_ptr<Connection> ConnectionArg(const Variant& given) {
+  if (given.IsString()) {
+    auto connection = std::make_shared<Connection>();
+    connection->Open(*given.Get<std::string>());
+    return connection;
+  }
+  if (given.IsEmpty()) return nullptr;
+  auto connection = NativeOf<Connection>(AsDispatch(given).get());
+  if (!connection) connection = given.ObjectAs<Connection>();
+  if (!connection) {
+    throw AutomationError(DispatchFailure::kTypeMismatch, kErrTypeMismatch,
+                          "The connection must be a Kelvary.Connection or a connection string", 2);
+  }
+  return connection;
+}
+
+}  // namespace
+
+const MemberTable& ClassTraits<Connection>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Connection",
+        {"{64320204-9CAF-54EC-BC3A-E13CF59FD0D8}", "{B622A036-CB67-5AE2-81AA-F5CF4E55C768}", ""},
+        true, "An open session with one database");
+    ClassBuilder<Connection> b(t);
+    using C = Connection;
+    b.Property(
+        "CursorLocation", +[](C& c) { return c.CursorLocation(); },
+        +[](C& c, CursorLocationEnum v) { c.CursorLocation(v); });
+    b.Method("Open",
+             +[](C& c, std::string ConnectionString, std::optional<std::string> UserID,
+                 std::optional<std::string> Password, std::optional<int32_t> Options) {
+               c.Open(ConnectionString, UserID.value_or(""), Password.value_or(""),
+                      Options.value_or(adCmdUnspecified));
+             },
+             {"ConnectionString", "UserID", "Password", "Options"});
+    b.Method("Close", &C::Close);
+    b.Getter("State", &C::State);
+    b.Getter(
+        "ConnectionString", +[](C& c) { return c.ConnectionString(); });
+    b.Method("Execute",
+             +[](C& c, std::string CommandText, int32_t* RecordsAffected,
+                 std::optional<int32_t> Options) {
+               int32_t affected = 0;
+               auto rs = c.Execute(CommandText, affected, Options.value_or(adCmdUnspecified));
+               if (RecordsAffected != nullptr) *RecordsAffected = affected;
+               return rs;
+             },
+             {"CommandText", "RecordsAffected", "Options"});
+    b.Method("BeginTrans", &C::BeginTrans);
+    b.Method("CommitTrans", &C::CommitTrans);
+    b.Method("RollbackTrans", &C::RollbackTrans);
+    b.Property(
+        "CommandTimeout", +[](C& c) { return c.CommandTimeout(); },
+        +[](C& c, int32_t v) { c.CommandTimeout(v); });
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<Recordset>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Recordset",
+        {"{2F3C3A22-0881-59B8-94D0-29FD5916D7EA}", "{B5C2627F-963B-55B2-AE0B-C183222FD743}", ""},
+        true, "The rows of one statement");
+    ClassBuilder<Recordset> b(t);
+    using C = Recordset;
+    b.Getter(
+        "Fields",
+        +[](C& rs) {
+          return std::make_shared<RecordsetFields>(RecordsetFields{rs.shared_from_this()});
+        },
+        {}, kDispIdValue);
+    b.Method("Open",
+             +[](C& rs, std::string Source, const Variant& ActiveConnection,
+                 std::optional<CursorTypeEnum> CursorType, std::optional<LockTypeEnum> LockType,
+                 std::optional<int32_t> Options) {
+               rs.Open(Source, ConnectionArg(ActiveConnection),
+                       CursorType.value_or(adOpenUnspecified), LockType.value_or(adLockUnspecified),
+                       Options.value_or(adCmdUnspecified));
+             },
+             {"Source", "ActiveConnection", "CursorType", "LockType", "Options"});
+    b.Method("Close", &C::Close);
+    b.Getter("State", &C::State);
+    b.Getter("BOF", &C::Bof);
+    b.Getter("EOF", &C::Eof);
+    b.Getter("RecordCount", &C::RecordCount);
+    b.Getter("AbsolutePosition", &C::AbsolutePosition);
+    b.Property(
+        "Bookmark", +[](C& rs) { return rs.Bookmark(); },
+        +[](C& rs, Variant v) { rs.Bookmark(v); });
+    b.Method("MoveFirst", &C::MoveFirst);
+    b.Method("MoveLast", &C::MoveLast);
+    b.Method("MoveNext", &C::MoveNext);
+    b.Method("MovePrevious", &C::MovePrevious);
+    b.Method("Move", &C::Move, {"NumRecords"});
+    b.Method("Find",
+             +[](C& rs, std::string Criteria, std::optional<int32_t> SkipRecords,
+                 std::optional<SearchDirectionEnum> SearchDirection, std::optional<Variant> Start) {
+               rs.Find(Criteria, SkipRecords.value_or(0), SearchDirection.value_or(adSearchForward),
+                       Start.value_or(Variant()));
+             },
+             {"Criteria", "SkipRecords", "SearchDirection", "Start"});
+    b.Property(
+        "Filter", +[](C& rs) { return rs.Filter(); }, +[](C& rs, std::string v) { rs.Filter(v); });
+    b.Method("AddNew", &C::AddNew);
+    b.Method("Update", &C::Update);
+    b.Method("Delete", &C::Delete);
+    b.Method("CancelUpdate", &C::CancelUpdate);
+    b.Method("Cancel", &C::Cancel);
+    b.Getter("EditMode", &C::EditMode);
+    b.Property(
+        "MaxRecords", +[](C& rs) { return rs.MaxRecords(); },
+        +[](C& rs, int32_t v) { rs.MaxRecords(v); });
+    b.Getter("CursorType", &C::CursorType);
+    b.Getter("LockType", &C::LockType);
+    b.Getter("CursorLocation", &C::CursorLocation);
+    b.Getter(
+        "Source", +[](C& rs) { return rs.Source(); });
+    b.Getter("ActiveConnection", &C::ActiveConnection);
+    b.Getter("FieldCount", &C::FieldCount);
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<RecordsetFields>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Fields",
+        {"{202220C3-9FCE-5ED1-A3A0-B9F3C83429E4}", "{23B57E3F-1D28-5E1A-9F0F-EC531440D0A3}", ""},
+        false, "The fields of a recordset's current row");
+    ClassBuilder<RecordsetFields> b(t);
+    using C = RecordsetFields;
+    b.Getter(
+        "Item",
+        +[](C& f, const Variant& Index) {
+          const Variant index = ValueOf(Index);
+          if (index.IsString()) return FieldNamed(f.recordset, *index.Get<std::string>());
+          return FieldAt(f.recordset, CLng(index));
+        },
+        {"Index"}, kDispIdValue);
+    b.Getter(
+        "Count", +[](C& f) { return f.recordset->FieldCount(); });
+    b.Getter(
+        "NewEnum",
+        +[](C& f) {
+          std::vector<Variant> items;
+          for (int32_t i = 0; i < f.recordset->FieldCount(); ++i) {
+            items.push_back(internal::Converter<std::shared_ptr<RecordsetField>>::Write(
+                FieldAt(f.recordset, i)));
+          }
+          return std::make_shared<Enumerator>(std::move(items));
+        },
+        {}, kDispIdNewEnum);
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<RecordsetField>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Field",
+        {"{4B94F23F-EDAA-5B8E-8187-FC759395E3A7}", "{6EF85796-4BBB-53AC-8EE0-874252C292E0}", ""},
+        false, "One field of a recordset's current row");
+    ClassBuilder<RecordsetField> b(t);
+    using C = RecordsetField;
+    b.Property(
+        "Value", +[](C& f) { return f.Native().Value(); },
+        +[](C& f, Variant v) { f.Native().Value(v); }, kDispIdValue);
+    b.Getter(
+        "Name", +[](C& f) { return f.Native().Name(); });
+    b.Getter(
+        "Type", +[](C& f) { return f.Native().Type(); });
+    b.Getter(
+        "DefinedSize", +[](C& f) { return f.Native().DefinedSize(); });
+    b.Getter(
+        "OriginalValue", +[](C& f) { return f.Native().OriginalValue(); });
+    b.Getter(
+        "Status", +[](C& f) { return f.Native().Status(); });
+    return t;
+  }();
+  return table;
+}
+
+}  // namespace kelvary::automation
