@@ -2,9 +2,8 @@
 // parents and visits and walked through every level. The database is
 // opened read-only; statements that could reach beyond it (ATTACH, VACUUM
 // INTO, PRAGMA, temporary tables) are not tried.
-#include <unistd.h>
-
 #include <cctype>
+#include <chrono>
 #include <filesystem>
 #include <memory>
 
@@ -21,8 +20,10 @@ namespace {
 
 std::string DatabaseFile() {
   static const std::string path = [] {
-    const auto file = std::filesystem::temp_directory_path() /
-                      ("kelvary-fuzz-shape-" + std::to_string(getpid()) + ".db");
+    const auto file =
+        std::filesystem::temp_directory_path() /
+        ("kelvary-fuzz-shape-" +
+         std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()) + ".db");
     std::filesystem::remove(file);
     Connection c;
     c.Open("Provider=SQLite;Data Source=" + file.string() + ";Mode=ReadWriteCreate");
