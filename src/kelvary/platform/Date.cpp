@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 namespace {
@@ -123,18 +124,9 @@ std::string FixedText(int decimals, double value) {
   return out;
 }
 
-bool StartsWithNoCase(std::string_view text, size_t pos, std::string_view token) {
-  if (pos + token.size() > text.size()) return false;
-  for (size_t i = 0; i < token.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(text[pos + i])) != token[i]) return false;
-  }
-  return true;
-}
-
 size_t RunLength(std::string_view text, size_t pos, char lower) {
   size_t n = 0;
-  while (pos + n < text.size() &&
-         std::tolower(static_cast<unsigned char>(text[pos + n])) == lower) {
+  while (pos + n < text.size() && AsciiLower(text[pos + n]) == lower) {
     ++n;
   }
   return n;
@@ -174,7 +166,7 @@ class Scanner {
   std::string Word() {
     std::string word;
     while (!AtEnd() && std::isalpha(static_cast<unsigned char>(text_[pos_]))) {
-      word += static_cast<char>(std::tolower(static_cast<unsigned char>(text_[pos_])));
+      word += AsciiLower(text_[pos_]);
       ++pos_;
     }
     return word;
@@ -250,9 +242,7 @@ std::optional<double> ParseTime(Scanner& s, bool required) {
 std::optional<int> MonthFromName(const std::string& word) {
   if (word.size() < 3) return std::nullopt;
   for (int i = 0; i < 12; ++i) {
-    std::string name = kMonthNames[i];
-    for (auto& c : name)
-      c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string name = LowerCase(kMonthNames[i]);
     if (word == name || word == name.substr(0, 3)) return i + 1;
   }
   return std::nullopt;
@@ -376,7 +366,7 @@ std::string Format(Date d, std::string_view picture) {
   bool after_hour = false;
   size_t i = 0;
   while (i < picture.size()) {
-    const char lower = static_cast<char>(std::tolower(static_cast<unsigned char>(picture[i])));
+    const char lower = AsciiLower(picture[i]);
     if (StartsWithNoCase(picture, i, "am/pm")) {
       out += hour < 12 ? "AM" : "PM";
       i += 5;

@@ -1,10 +1,12 @@
 #include "kelvary/platform/SqlScript.h"
 
 #include <cctype>
+#include <optional>
 
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/Transaction.h"
 #include "kelvary/platform/internal/SqlLexing.h"
 
 namespace kelvary {
@@ -20,7 +22,7 @@ std::vector<std::string> LeadingWords(std::string_view statement, size_t limit) 
     std::string word;
     while (i < statement.size() &&
            (std::isalnum(static_cast<unsigned char>(statement[i])) || statement[i] == '_')) {
-      word += static_cast<char>(std::toupper(static_cast<unsigned char>(statement[i++])));
+      word += AsciiUpper(statement[i++]);
     }
     if (!word.empty()) words.push_back(word);
   }
@@ -130,24 +132,20 @@ void ExecuteScript(Connection& connection, std::string_view sql) {
       own_transaction = false;
     }
   }
-  if (own_transaction) connection.BeginTrans();
+  // The script's own transaction; a failing statement leaves it without a
+  // commit, so it is rolled back, and the statement's error is reported.
+  std::optional<Transaction> transaction;
+  if (own_transaction) transaction.emplace(connection);
   for (size_t n = 0; n < statements.size(); ++n) {
     try {
       connection.Execute(statements[n], adExecuteNoRecords);
     } catch (Error& e) {
-      if (own_transaction) {
-        try {
-          connection.RollbackTrans();
-        } catch (const Error&) {
-          // The statement's error is the one worth reporting.
-        }
-      }
       e.AddContext("Statement " + std::to_string(n + 1) + " of the script");
       if (e.Statement().empty()) e.WithStatement(statements[n]);
       throw;
     }
   }
-  if (own_transaction) connection.CommitTrans();
+  if (transaction) transaction->Commit();
 }
 
 }  // namespace kelvary

@@ -36,6 +36,12 @@ inline bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
   return text.size() >= prefix.size() && EqualsNoCase(text.substr(0, prefix.size()), prefix);
 }
 
+// StartsWithNoCase: the same from position pos of text; false when pos lies
+// beyond its end.
+inline bool StartsWithNoCase(std::string_view text, size_t pos, std::string_view prefix) {
+  return pos <= text.size() && StartsWithNoCase(text.substr(pos), prefix);
+}
+
 inline std::string LowerCase(std::string_view text) {
   std::string out(text);
   for (char& c : out)

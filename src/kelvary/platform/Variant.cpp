@@ -35,9 +35,8 @@ std::optional<double> ParseNumber(std::string_view text) {
     int64_t value = 0;
     for (char c : text.substr(2)) {
       if (!std::isxdigit(static_cast<unsigned char>(c))) return std::nullopt;
-      value = value * 16 + (std::isdigit(static_cast<unsigned char>(c))
-                                ? c - '0'
-                                : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10);
+      value = value * 16 +
+              (std::isdigit(static_cast<unsigned char>(c)) ? c - '0' : AsciiLower(c) - 'a' + 10);
       if (value > 0xFFFFFFFFLL) return std::nullopt;
     }
     return static_cast<double>(value);

@@ -22,6 +22,7 @@
 #include <string_view>
 
 #include "kelvary/platform/DataAccessTypes.h"
+#include "kelvary/platform/Text.h"
 
 namespace kelvary {
 class Connection;
@@ -38,10 +39,7 @@ inline bool IsShapeCommand(std::string_view text) {
   while (i < text.size() && std::isspace(static_cast<unsigned char>(text[i])))
     ++i;
   static constexpr std::string_view kWord = "shape";
-  if (text.size() - i < kWord.size()) return false;
-  for (size_t k = 0; k < kWord.size(); ++k) {
-    if (std::tolower(static_cast<unsigned char>(text[i + k])) != kWord[k]) return false;
-  }
+  if (!StartsWithNoCase(text, i, kWord)) return false;
   const size_t after = i + kWord.size();
   return after == text.size() || std::isspace(static_cast<unsigned char>(text[after])) ||
          text[after] == '{' || text[after] == '(';

@@ -13,14 +13,6 @@
 namespace kelvary::sqlite {
 namespace {
 
-bool StartsWithNoCase(std::string_view text, size_t pos, std::string_view word) {
-  if (pos + word.size() > text.size()) return false;
-  for (size_t i = 0; i < word.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(text[pos + i])) != word[i]) return false;
-  }
-  return true;
-}
-
 constexpr const char* kIsnullFunction = "kelvary_isnull";
 
 bool ContainsIsnull(std::string_view sql) {
@@ -256,8 +248,7 @@ std::optional<Date> ParseOracleDate(std::string_view text, std::string_view pict
       p += 2;
     } else if (StartsWithNoCase(picture, p, "AM") || StartsWithNoCase(picture, p, "PM")) {
       std::string word = read_word();
-      for (char& c : word)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+      word = UpperCase(word);
       if (word != "AM" && word != "PM") return std::nullopt;
       pm = word == "PM";
       p += 2;
