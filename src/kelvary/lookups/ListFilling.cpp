@@ -3,14 +3,15 @@
 // change handlers can ignore the events the fill raises. Standard controls
 // take the one-argument AddItem followed by ItemData(NewIndex); any other
 // control takes text and value in one call.
+#include "kelvary/lookups/ListFilling.h"
+
 #include <string>
 
 #include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Messages.h"
-#include "kelvary/service/InfoLink.h"
 
-namespace kelvary {
+namespace kelvary::lookups {
 namespace {
 
 constexpr const char* kFilling = "P";
@@ -37,7 +38,7 @@ void AddRows(ListControl& control, bool standard, Recordset& rows, const std::st
 
 }  // namespace
 
-void InfoLink::FillComboWithOptions(ListControl& cb, int32_t SearchLinkID) {
+void ListFilling::FillComboWithOptions(ListControl& cb, int32_t SearchLinkID) {
   const bool standard = cb.IsStandardListControl();
   const std::string saved_tag = cb.Tag();
   cb.Tag(kFilling);
@@ -45,30 +46,31 @@ void InfoLink::FillComboWithOptions(ListControl& cb, int32_t SearchLinkID) {
   std::string display_field, value_field;
   ProjectDataSources source = pdsRawData;
   // Zero and negative values are multi-select option values.
-  const std::string sql = SearchLinkID > 0
-                              ? FillID(SearchLinkID, display_field, value_field, source)
-                              : GetMultiSelectSQL(SearchLinkID, display_field, value_field, source);
+  const std::string sql =
+      SearchLinkID > 0 ? links_.FillID(SearchLinkID, display_field, value_field, source)
+                       : links_.GetMultiSelectSQL(SearchLinkID, display_field, value_field, source);
   if (sql.empty()) {
     // Tag stays at "P" on purpose: the host reads it to see that the fill
     // failed.
     MsgBox("Error in search Link " + std::to_string(SearchLinkID) + " for control " + cb.Caption());
     return;
   }
-  lookups::LookupQuery query(*this, source, sql);
+  LookupQuery query(services_, source, sql);
   if (query.Found()) AddRows(cb, standard, query.Rows(), display_field, value_field);
   cb.Tag(saved_tag);
 }
 
-void InfoLink::FillComboWithSQL(ListControl& cb, ProjectDataSources SourceData,
-                                const std::string& SQLStmt, const std::string& SearchDisplayField,
-                                const std::string& SearchValueField, bool bSelectFirst,
-                                std::optional<bool> bDontClear) {
+void ListFilling::FillComboWithSQL(ListControl& cb, ProjectDataSources SourceData,
+                                   const std::string& SQLStmt,
+                                   const std::string& SearchDisplayField,
+                                   const std::string& SearchValueField, bool bSelectFirst,
+                                   std::optional<bool> bDontClear) {
   const bool standard = cb.IsStandardListControl();
   const std::string saved_tag = cb.Tag();
   cb.Tag(kFilling);
   // Not clearing lets several statements append to one list.
   if (!bDontClear.value_or(false)) cb.Clear();
-  lookups::LookupQuery query(*this, SourceData, SQLStmt);
+  LookupQuery query(services_, SourceData, SQLStmt);
   if (query.Found()) {
     AddRows(cb, standard, query.Rows(), SearchDisplayField, SearchValueField);
     if (bSelectFirst) cb.ListIndex(0);
@@ -76,8 +78,9 @@ void InfoLink::FillComboWithSQL(ListControl& cb, ProjectDataSources SourceData,
   cb.Tag(saved_tag);
 }
 
-void InfoLink::AddRecsToCombo(const std::shared_ptr<Recordset>& Recs, const std::string& DescField,
-                              const std::string& ValFld, ListControl& fc) {
+void ListFilling::AddRecsToCombo(const std::shared_ptr<Recordset>& Recs,
+                                 const std::string& DescField, const std::string& ValFld,
+                                 ListControl& fc) {
   if (!Recs) throw Error(kErrObjectVariableNotSet, "Object variable not set");
   fc.Tag(kFilling);
   fc.Clear();
@@ -89,23 +92,23 @@ void InfoLink::AddRecsToCombo(const std::shared_ptr<Recordset>& Recs, const std:
   fc.Tag("");
 }
 
-void InfoLink::RefreshHierarchicalList(ProjectDataSources SourceofData, ListControl& fc,
-                                       const std::string& DescFld, const std::string& IDFld,
-                                       const std::string& TableName,
-                                       const std::string& FilterString) {
+void ListFilling::RefreshHierarchicalList(ProjectDataSources SourceofData, ListControl& fc,
+                                          const std::string& DescFld, const std::string& IDFld,
+                                          const std::string& TableName,
+                                          const std::string& FilterString) {
   fc.Clear();
   // A filter of one character is no filter.
   const std::string filter = FilterString.size() > 1 ? " and ( " + FilterString + " ) " : "";
-  lookups::LookupQuery top(*this, SourceofData,
-                           "Select " + DescFld + " ," + IDFld + "  from " + TableName +
-                               " where ( ID > 0 ) and ( ParentID = 0)  " + filter +
-                               " order by description ");
+  LookupQuery top(services_, SourceofData,
+                  "Select " + DescFld + " ," + IDFld + "  from " + TableName +
+                      " where ( ID > 0 ) and ( ParentID = 0)  " + filter +
+                      " order by description ");
   if (!top.Found()) return;
-  lookups::LookupQuery children(*this, SourceofData,
-                                "Select " + DescFld + " ," + IDFld + " ,ParentID from " +
-                                    TableName + " where ( ID > 0 ) and ( ParentID > 0) " + filter +
-                                    " order by description ",
-                                adOpenStatic);
+  LookupQuery children(services_, SourceofData,
+                       "Select " + DescFld + " ," + IDFld + " ,ParentID from " + TableName +
+                           " where ( ID > 0 ) and ( ParentID > 0) " + filter +
+                           " order by description ",
+                       adOpenStatic);
   // The column names are fixed: DescFld and IDFld only shape the statement,
   // so they are, or are aliased to, Description and ID. Children of
   // children have no top row to sit under and are not listed.
@@ -123,7 +126,7 @@ void InfoLink::RefreshHierarchicalList(ProjectDataSources SourceofData, ListCont
   }
 }
 
-void InfoLink::FillComboWithValidDataTypes(ListControl& cb, int32_t DataFormatUsageID) {
+void ListFilling::FillComboWithValidDataTypes(ListControl& cb, int32_t DataFormatUsageID) {
   // Formats of usage type 0 are allowed for every usage.
   const std::string sql =
       std::string(
@@ -133,7 +136,7 @@ void InfoLink::FillComboWithValidDataTypes(ListControl& cb, int32_t DataFormatUs
       "> 0 ) " +
       " and (( DataFormatUsages.DataFormatUsageTypeID = " + std::to_string(DataFormatUsageID) +
       " ) or ( DataFormatUsages.DataFormatUsageTypeID =0) )";
-  FillComboWithSQL(cb, pdssystem, sql, "Description", "DataFormatID", false);
+  FillComboWithSQL(cb, pdssystem, sql, "Description", "DataFormatID", false, std::nullopt);
 }
 
-}  // namespace kelvary
+}  // namespace kelvary::lookups

@@ -5,20 +5,16 @@
 #include <string>
 
 #include "kelvary/lookups/LookupQuery.h"
-#include "kelvary/lookups/MetadataIndex.h"
 #include "kelvary/lookups/MultiSelectOption.h"
+#include "kelvary/lookups/SearchLinks.h"
 #include "kelvary/platform/Messages.h"
-#include "kelvary/service/InfoLink.h"
 
-namespace kelvary {
+namespace kelvary::lookups {
 
-using lookups::MetadataIndex;
-using lookups::MultiSelectRecord;
-
-std::string InfoLink::SupplyMultiListdata(int32_t MultiListID, std::string& DescriptionTbl,
-                                          std::string& SqlStr, std::string& DisplayField,
-                                          std::string& ValueField, int32_t* SrchLinkId) {
-  const auto index = Metadata();
+std::string SearchLinks::SupplyMultiListdata(int32_t MultiListID, std::string& DescriptionTbl,
+                                             std::string& SqlStr, std::string& DisplayField,
+                                             std::string& ValueField, int32_t* SrchLinkId) {
+  const auto index = cache_.HeldIndex();
   if (index->MultiSelectCount() == 0) {
     MsgBox("Data for MultiList " + std::to_string(MultiListID) + " not found !");
     return "";
@@ -38,8 +34,8 @@ std::string InfoLink::SupplyMultiListdata(int32_t MultiListID, std::string& Desc
   return TextOf(multi->StoreTableName);
 }
 
-int32_t InfoLink::GetMultiListParentWnd(int32_t MultiListID, int32_t* SrchLnkID) {
-  const auto index = Metadata();
+int32_t SearchLinks::GetMultiListParentWnd(int32_t MultiListID, int32_t* SrchLnkID) {
+  const auto index = cache_.HeldIndex();
   const MultiSelectRecord* multi = index->FindMultiSelect(MultiListID);
   if (multi == nullptr) {
     MsgBox("Could not Locate MultiListID = " + std::to_string(MultiListID));
@@ -50,9 +46,9 @@ int32_t InfoLink::GetMultiListParentWnd(int32_t MultiListID, int32_t* SrchLnkID)
   return window;
 }
 
-int32_t InfoLink::GetMultiSettings(int32_t MultiListID, std::string& StorageTableName,
-                                   std::string* ParentTableName) {
-  const auto index = Metadata();
+int32_t SearchLinks::GetMultiSettings(int32_t MultiListID, std::string& StorageTableName,
+                                      std::string* ParentTableName) {
+  const auto index = cache_.HeldIndex();
   if (index->MultiSelectCount() < 1) {
     MsgBox("No Multiselect entries !");
     return 0;
@@ -66,11 +62,11 @@ int32_t InfoLink::GetMultiSettings(int32_t MultiListID, std::string& StorageTabl
   return CLng(multi->ParentSrchWnd);
 }
 
-void InfoLink::FillWithMultiListOptions(int32_t ParentSrchLnk, ListControl& fcb) {
+void SearchLinks::FillWithMultiListOptions(int32_t ParentSrchLnk, ListControl& fcb) {
   const std::string saved_tag = fcb.Tag();
   fcb.Tag("P");  // tells the host's change handlers that the list is being filled
   fcb.Clear();
-  const auto index = Metadata();
+  const auto index = cache_.HeldIndex();
   // Every multi-select of the parent link, in the cache's order.
   for (const MultiSelectRecord& multi : index->MultiSelects()) {
     if (MetadataIndex::KeyOf(multi.ParentSearchLinkID) != ParentSrchLnk) continue;
@@ -78,25 +74,25 @@ void InfoLink::FillWithMultiListOptions(int32_t ParentSrchLnk, ListControl& fcb)
     std::string display_field, value_field;
     ProjectDataSources source = pdsRawData;
     const std::string sql = FillID(CLng(multi.SearchLinkID), display_field, value_field, source);
-    lookups::LookupQuery query(*this, source, sql);
+    LookupQuery query(services_, source, sql);
     if (!query.Found()) continue;
     Recordset& rows = query.Rows();
     const Field& display = rows.Fields(display_field);
     const Field& value = rows.Fields(value_field);
     for (; !rows.Eof(); rows.MoveNext()) {
       fcb.AddItem(TextOf(display.Value()),
-                  Variant(lookups::MultiSelectOptionValue(multi_id, CLng(value.Value()))));
+                  Variant(MultiSelectOptionValue(multi_id, CLng(value.Value()))));
     }
   }
   fcb.Tag(saved_tag);
   fcb.Visible(fcb.ListCount() > 0);
 }
 
-std::string InfoLink::GetMultiSelectSQL(int32_t NegativeMultiOption, std::string& SrchDisplayFld,
-                                        std::string& SrchValueField,
-                                        ProjectDataSources& SourceofData) {
-  const int32_t multi_id = lookups::MultiSelectIdOf(NegativeMultiOption);
-  const std::string option = std::to_string(lookups::OptionValueOf(NegativeMultiOption));
+std::string SearchLinks::GetMultiSelectSQL(int32_t NegativeMultiOption, std::string& SrchDisplayFld,
+                                           std::string& SrchValueField,
+                                           ProjectDataSources& SourceofData) {
+  const int32_t multi_id = MultiSelectIdOf(NegativeMultiOption);
+  const std::string option = std::to_string(OptionValueOf(NegativeMultiOption));
   std::string store, parent;
   GetMultiSettings(multi_id, store, &parent);
   SrchDisplayFld = "Description";
@@ -109,16 +105,16 @@ std::string InfoLink::GetMultiSelectSQL(int32_t NegativeMultiOption, std::string
          ".ID  > 0 )  And ( " + store + ".ValueID  = " + option + " )";
 }
 
-std::string InfoLink::GetMultiString(int32_t MultiLinkId, int32_t ParentID) {
+std::string SearchLinks::GetMultiString(int32_t MultiLinkId, int32_t ParentID) {
   if (MultiLinkId <= 0) return "";
   std::string descriptions, list_sql, display_field, value_field;
   const std::string store =
-      SupplyMultiListdata(MultiLinkId, descriptions, list_sql, display_field, value_field);
+      SupplyMultiListdata(MultiLinkId, descriptions, list_sql, display_field, value_field, nullptr);
   const std::string sql = "Select " + descriptions + "." + display_field + " from " + descriptions +
                           " , " + store + " where (" + store + ".ValueID = " + descriptions +
                           ".ID) " + " and ( " + store + ".SourceID = " + std::to_string(ParentID) +
                           ") ";
-  lookups::LookupQuery query(*this, pdsmaindata, sql, adOpenStatic);
+  LookupQuery query(services_, pdsmaindata, sql, adOpenStatic);
   std::string joined;
   if (!query.Found()) return joined;
   Recordset& rows = query.Rows();
@@ -132,4 +128,4 @@ std::string InfoLink::GetMultiString(int32_t MultiLinkId, int32_t ParentID) {
   return joined;
 }
 
-}  // namespace kelvary
+}  // namespace kelvary::lookups

@@ -3,18 +3,16 @@
 // value's description, the kind of control to use and the defining table.
 // Every search link is found in the in-memory index: after InitLists no
 // look-up reads FillNSearchLinks again.
+#include "kelvary/lookups/SearchLinks.h"
+
 #include <string>
 
 #include "kelvary/lookups/LookupQuery.h"
-#include "kelvary/lookups/MetadataIndex.h"
 #include "kelvary/lookups/MultiSelectOption.h"
 #include "kelvary/platform/Messages.h"
-#include "kelvary/service/InfoLink.h"
 
-namespace kelvary {
+namespace kelvary::lookups {
 namespace {
-
-using lookups::SearchLinkRecord;
 
 // The statement GetSearchLinkDetails builds when the link has no statement
 // of its own. A where clause may end in its own order clause; only one in
@@ -59,21 +57,16 @@ bool IsPositive(const Variant& value) {
 
 }  // namespace
 
-std::shared_ptr<const lookups::MetadataIndex> InfoLink::Metadata() {
-  if (!metadata_index_) {
-    metadata_index_ = std::make_shared<lookups::MetadataIndex>(search_links_, multi_selects_);
-  }
-  return metadata_index_;
-}
-
-int32_t InfoLink::GetSearchLinkDetails(int32_t SearchLinkID, std::string& SearchDisplayField,
-                                       std::string& SearchValueField, int32_t& SearchTable,
-                                       std::string& SearchTableName, ProjectDataSources& SourceData,
-                                       std::string& SQLStmt, std::string& SelectCaption,
-                                       bool* HasManyEntries, int16_t* DefNewScreenID,
-                                       std::string* SecondaryDisplayField) {
-  const auto index = Metadata();
-  const SearchLinkRecord* link = index->FindSearchLink(SearchLinkID);
+int32_t SearchLinks::GetSearchLinkDetails(int32_t SearchLinkID, std::string& SearchDisplayField,
+                                          std::string& SearchValueField, int32_t& SearchTable,
+                                          std::string& SearchTableName,
+                                          ProjectDataSources& SourceData, std::string& SQLStmt,
+                                          std::string& SelectCaption, bool* HasManyEntries,
+                                          int16_t* DefNewScreenID,
+                                          std::string* SecondaryDisplayField) {
+  // Nothing below runs a statement or shows a message while the record is
+  // read, so the index is borrowed, not held.
+  const SearchLinkRecord* link = cache_.Index().FindSearchLink(SearchLinkID);
   if (link == nullptr) {
     MsgBox("Problem in SearchLinkID " + std::to_string(SearchLinkID));
     return 0;
@@ -102,16 +95,16 @@ int32_t InfoLink::GetSearchLinkDetails(int32_t SearchLinkID, std::string& Search
   return CLng(link->SearchWnd);
 }
 
-std::string InfoLink::GetDescription(int32_t SearchLinkID, int32_t CurrValue,
-                                     std::optional<int16_t> NumCharSpace) {
+std::string SearchLinks::GetDescription(int32_t SearchLinkID, int32_t CurrValue,
+                                        std::optional<int16_t> NumCharSpace) {
   int32_t link_id = SearchLinkID;
   if (SearchLinkID < 0) {
     // A multi-select link value: the description comes through the search
     // link of the record that owns the multiple values.
     link_id = 0;
-    GetMultiListParentWnd(lookups::MultiSelectIdOf(SearchLinkID), &link_id);
+    GetMultiListParentWnd(MultiSelectIdOf(SearchLinkID), &link_id);
   }
-  const auto index = Metadata();
+  const auto index = cache_.HeldIndex();
   const SearchLinkRecord* link = index->FindSearchLink(link_id);
   if (link == nullptr) {
     MsgBox("Problem in GetDescription for SearchLinkID " + std::to_string(SearchLinkID));
@@ -122,18 +115,18 @@ std::string InfoLink::GetDescription(int32_t SearchLinkID, int32_t CurrValue,
   const std::string sql = CLng(link->SearchTable) > 0 ? DescriptionStatement(*link) : link->SQLStmt;
   const auto source = static_cast<ProjectDataSources>(CLng(link->TableLocation));
   const int16_t width = NumCharSpace && *NumCharSpace > 0 ? *NumCharSpace : int16_t{0};
-  return GetDescriptionFromCode(CurrValue, link->ValuesTable, link->SearchDisplayField,
-                                link->SearchValueField, source, sql, width,
-                                link->SecondaryDisplayField);
+  return values_.GetDescriptionFromCode(CurrValue, link->ValuesTable, link->SearchDisplayField,
+                                        link->SearchValueField, source, sql, width,
+                                        link->SecondaryDisplayField);
 }
 
-ControlTypes InfoLink::GetSrchlinkControlType(int32_t SrchLnk, Variant& HasLotsaEntries) {
+ControlTypes SearchLinks::GetSrchlinkControlType(int32_t SrchLnk, Variant& HasLotsaEntries) {
   const bool large = IsLargeSearchLink(SrchLnk);
   HasLotsaEntries = Variant(large);
   return large ? ctSearchWindow : ctDropDownList;
 }
 
-bool InfoLink::IsLargeSearchLink(int32_t SearchLinkID) {
+bool SearchLinks::IsLargeSearchLink(int32_t SearchLinkID) {
   // Multi-select options always go to a search window; no look-up needed.
   if (SearchLinkID < 0) return true;
   std::string display, value, table_name, sql, caption, secondary;
@@ -146,28 +139,29 @@ bool InfoLink::IsLargeSearchLink(int32_t SearchLinkID) {
   return has_many_entries;
 }
 
-int32_t InfoLink::GetDefinitionTable(int32_t SearchLink) {
+int32_t SearchLinks::GetDefinitionTable(int32_t SearchLink) {
   if (SearchLink == 0) return 0;
   int32_t link_id = SearchLink;
   if (SearchLink < 0) {
     // Read from the database, not from the cache: the definition table of a
     // multi-select is its parent search link's table.
     link_id = 0;
-    lookups::LookupQuery query(*this, pdssystem,
-                               "Select ParentSearchLinkID from Multiselects where ID = " +
-                                   std::to_string(lookups::MultiSelectIdOf(SearchLink)));
+    LookupQuery query(services_, pdssystem,
+                      "Select ParentSearchLinkID from Multiselects where ID = " +
+                          std::to_string(MultiSelectIdOf(SearchLink)));
     if (query.Found()) link_id = CLng(query.Rows().Fields("ParentSearchLinkID").Value());
   }
   std::string display, value, table_name, sql, caption;
   int32_t table = 0;
   ProjectDataSources source = pdsRawData;
-  GetSearchLinkDetails(link_id, display, value, table, table_name, source, sql, caption);
+  GetSearchLinkDetails(link_id, display, value, table, table_name, source, sql, caption, nullptr,
+                       nullptr, nullptr);
   return table;
 }
 
-std::string InfoLink::FillID(int32_t SearchLinkID, std::string& DisplayField,
-                             std::string& ValueField, ProjectDataSources& SourceData) {
-  const auto index = Metadata();
+std::string SearchLinks::FillID(int32_t SearchLinkID, std::string& DisplayField,
+                                std::string& ValueField, ProjectDataSources& SourceData) {
+  const auto index = cache_.HeldIndex();
   const SearchLinkRecord* link = index->FindSearchLink(SearchLinkID);
   if (link == nullptr) {
     MsgBox("Problem in FillID " + std::to_string(SearchLinkID));
@@ -179,4 +173,4 @@ std::string InfoLink::FillID(int32_t SearchLinkID, std::string& DisplayField,
   return CLng(link->SearchTable) > 0 ? ListStatement(*link) : link->SQLStmt;
 }
 
-}  // namespace kelvary
+}  // namespace kelvary::lookups

@@ -3,18 +3,18 @@
 // texts go into the statements exactly as the caller gives them: quoting is
 // the caller's business (the dialect helpers), except for the text
 // comparison, which the default-equality clause builds.
+#include "kelvary/lookups/ValueLookups.h"
+
 #include <algorithm>
-#include <cctype>
 #include <string>
 
 #include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/service/InfoLink.h"
+#include "kelvary/sql/DataLinx.h"
 
-namespace kelvary {
+namespace kelvary::lookups {
 namespace {
-
-using lookups::LookupQuery;
 
 constexpr int16_t kDefaultNameGap = 2;
 constexpr int16_t kWidestNameGap = 10;
@@ -25,24 +25,25 @@ bool Contains(const std::string& text, const char* part) {
 
 }  // namespace
 
-Variant InfoLink::GetCoreName(int32_t CoreCode, const std::string& TblName,
-                              std::optional<int16_t> NumCharSpace) {
+Variant ValueLookups::GetCoreName(int32_t CoreCode, const std::string& TblName,
+                                  std::optional<int16_t> NumCharSpace) {
   int16_t width = kDefaultNameGap;
   if (NumCharSpace && *NumCharSpace > 0) width = *NumCharSpace;
   width = std::min(width, kWidestNameGap);
-  LookupQuery query(*this, pdsmaindata,
+  LookupQuery query(services_, pdsmaindata,
                     "Select FirstName , MiddleName , LastName From " + TblName +
                         " where ID = " + std::to_string(CoreCode));
   if (!query.Found()) return Variant();
   // The gaps stay around empty parts: names line up in fixed columns.
   const std::string gap(static_cast<size_t>(width), ' ');
   const Recordset& row = query.Rows();
-  return Variant(TextOf(row.Fields(ORDERFIELD1).Value()) + gap +
-                 TextOf(row.Fields(ORDERFIELD2).Value()) + gap +
-                 TextOf(row.Fields(ORDERFIELD3).Value()));
+  const ServiceSettings settings = services_.Settings();
+  return Variant(TextOf(row.Fields(settings.ORDERFIELD1).Value()) + gap +
+                 TextOf(row.Fields(settings.ORDERFIELD2).Value()) + gap +
+                 TextOf(row.Fields(settings.ORDERFIELD3).Value()));
 }
 
-std::string InfoLink::GetDescriptionFromCode(
+std::string ValueLookups::GetDescriptionFromCode(
     int32_t CurrValue, const std::string& TableName, const std::string& descriptionField,
     const std::string& ValueField, ProjectDataSources Dtsrc, const std::string& SQLStmt,
     std::optional<int16_t> NumCharSpace, const std::optional<std::string>& SecondaryDisplayField) {
@@ -64,7 +65,7 @@ std::string InfoLink::GetDescriptionFromCode(
     sql = SQLStmt + (Contains(SQLStmt, " where ") ? " AND ( " : " where ( ") + ValueField + " = " +
           value + " ) ";
   }
-  LookupQuery query(*this, Dtsrc, sql);
+  LookupQuery query(services_, Dtsrc, sql);
   if (!query.Found()) return "";
   // The secondary column stands in for an empty description; it is never
   // appended to one.
@@ -75,10 +76,10 @@ std::string InfoLink::GetDescriptionFromCode(
   return description;
 }
 
-Variant InfoLink::GetCorrespondingValue(int32_t SearchValue, const std::string& TableName,
-                                        const std::string& OutPutField,
-                                        const std::string& Searchfield, ProjectDataSources Dtsrc,
-                                        const std::string& SQLStmt) {
+Variant ValueLookups::GetCorrespondingValue(int32_t SearchValue, const std::string& TableName,
+                                            const std::string& OutPutField,
+                                            const std::string& Searchfield,
+                                            ProjectDataSources Dtsrc, const std::string& SQLStmt) {
   const std::string value = std::to_string(SearchValue);
   std::string sql;
   if (!TableName.empty()) {
@@ -91,17 +92,17 @@ Variant InfoLink::GetCorrespondingValue(int32_t SearchValue, const std::string& 
              value + " ) ";
     }
   }
-  LookupQuery query(*this, Dtsrc, sql);
+  LookupQuery query(services_, Dtsrc, sql);
   if (!query.Found()) return Variant();
   const Variant& found = query.Rows().Fields(OutPutField).Value();
   return found.IsNull() ? Variant() : found;
 }
 
-Variant InfoLink::GetCorrespondingValueFromText(
+Variant ValueLookups::GetCorrespondingValueFromText(
     const std::string& SearchText, const std::string& TableName, const std::string& OutPutField,
     const std::string& Searchfield, ProjectDataSources Dtsrc, const std::string& SQLStmt) {
-  const std::string clause =
-      GetComparisionClauseForDefEqual(Searchfield, gdtText, Variant(SearchText), false, false);
+  const std::string clause = DataLinx::GetComparisionClauseForDefEqual(
+      Searchfield, gdtText, Variant(SearchText), false, false);
   std::string sql;
   if (!TableName.empty()) {
     sql = "Select  " + OutPutField + " from " + TableName + " where " + clause;
@@ -109,17 +110,17 @@ Variant InfoLink::GetCorrespondingValueFromText(
     // The clause is appended even without a search field.
     sql = SQLStmt + (Contains(SQLStmt, " where ") ? " AND  " : " where ") + clause;
   }
-  LookupQuery query(*this, Dtsrc, sql);
+  LookupQuery query(services_, Dtsrc, sql);
   if (!query.Found()) return Variant();
   const Variant& found = query.Rows().Fields(OutPutField).Value();
   return found.IsNull() ? Variant() : found;
 }
 
-int32_t InfoLink::GetHierarchicalParentNonZeroLongValue(int32_t StartFromID,
-                                                        const std::string& TblName,
-                                                        const std::string& ParentFieldName,
-                                                        const std::string& ValueFieldName,
-                                                        ProjectDataSources DatSrc) {
+int32_t ValueLookups::GetHierarchicalParentNonZeroLongValue(int32_t StartFromID,
+                                                            const std::string& TblName,
+                                                            const std::string& ParentFieldName,
+                                                            const std::string& ValueFieldName,
+                                                            ProjectDataSources DatSrc) {
   const auto column_of = [&](int32_t node, const std::string& column) {
     return CLng(GetCorrespondingValue(node, TblName, column, "ID", DatSrc, ""));
   };
@@ -136,15 +137,26 @@ int32_t InfoLink::GetHierarchicalParentNonZeroLongValue(int32_t StartFromID,
   return value;
 }
 
-bool InfoLink::IsCheckListAttributeEnabled(ProjectDataSources SourceofData,
-                                           const std::string& TableName,
-                                           const std::string& AttributeField,
-                                           int32_t AttributeValue, const std::string& SourceField,
-                                           int32_t SrcFieldValue) {
-  return lookups::AnyRowsIn(*this, SourceofData,
-                            "Select * from " + TableName + " where ( " + SourceField + " = " +
-                                std::to_string(SrcFieldValue) + " ) and  ( " + AttributeField +
-                                " = " + std::to_string(AttributeValue) + " )  ");
+bool ValueLookups::IsCheckListAttributeEnabled(ProjectDataSources SourceofData,
+                                               const std::string& TableName,
+                                               const std::string& AttributeField,
+                                               int32_t AttributeValue,
+                                               const std::string& SourceField,
+                                               int32_t SrcFieldValue) {
+  return AnyRowsIn(services_, SourceofData,
+                   "Select * from " + TableName + " where ( " + SourceField + " = " +
+                       std::to_string(SrcFieldValue) + " ) and  ( " + AttributeField + " = " +
+                       std::to_string(AttributeValue) + " )  ");
 }
 
-}  // namespace kelvary
+int32_t ValueLookups::GetTableIDFromName(const std::string& TblName) {
+  // The name is a LIKE pattern on purpose: wild cards in it match.
+  LookupQuery query(services_, pdssystem,
+                    "select id from datatables where ValuesTable LIKE '" + TblName + "'");
+  // FillRecordSet counts an unknown record count (-1) as rows found.
+  if (query.Found()) return CLng(query.Rows().Fields("ID").Value());
+  if (!TblName.empty()) MsgBox("Use Dravent to define " + TblName);
+  return 0;
+}
+
+}  // namespace kelvary::lookups

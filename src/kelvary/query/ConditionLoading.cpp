@@ -1,12 +1,13 @@
 // QueryInterpretor::LoadTemplateConditions: the condition groups of a query
 // template, the parameters hung under them, the sort options, and the two
 // flags AreThereAnyParameters answers from.
+#include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/query/QueryInterpretor.h"
 #include "kelvary/query/internal/ActiveLink.h"
 
 namespace kelvary {
 
-using query_internal::ActiveLink;
+using lookups::LookupQuery;
 using query_internal::BoolColumn;
 using query_internal::ColumnValue;
 using query_internal::IntColumn;
@@ -14,18 +15,16 @@ using query_internal::Key;
 using query_internal::LongColumn;
 using query_internal::TextColumn;
 
-void QueryInterpretor::LoadTemplateConditions(int32_t TemplateID) {
-  InfoLink& link = ActiveLink();
+void QueryInterpretor::LoadTemplateConditions(ServicePort& services, int32_t TemplateID) {
   const std::string t = std::to_string(TemplateID);
-  std::shared_ptr<Recordset> rs;
 
   // Groups by level, so that a group's parent is always there before it.
   // The two blanks after "from" are the system's own.
-  if (link.FillRecordSet(pdssystem, rs,
-                         "Select * from  QueryConditionGroups where QueryTemplateID = " + t +
-                             " order by NodeLevel,ParentGroupId",
-                         adOpenForwardOnly, adLockReadOnly)) {
-    for (; !rs->Eof(); rs->MoveNext()) {
+  LookupQuery groups(services, pdssystem,
+                     "Select * from  QueryConditionGroups where QueryTemplateID = " + t +
+                         " order by NodeLevel,ParentGroupId");
+  if (groups.Found()) {
+    for (Recordset* rs = &groups.Rows(); !rs->Eof(); rs->MoveNext()) {
       const int32_t group_id = LongColumn(*rs, "ID");
       CurrentConditions()->Add(LongColumn(*rs, "ParentGroupId"), IntColumn(*rs, "NodeLevel"),
                                static_cast<NodeTypes>(LongColumn(*rs, "NodeType")),
@@ -47,9 +46,10 @@ void QueryInterpretor::LoadTemplateConditions(int32_t TemplateID) {
       "(QueryTemplateParameters.QueryConditionID in ( select id   From QueryConditionGroups "
       "Where (QueryTemplateID = " +
       t + " ) ))";
-  if (link.FillRecordSet(pdssystem, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
+  LookupQuery parameters(services, pdssystem, sql);
+  if (parameters.Found()) {
     has_parameter_rows_ = true;
-    for (; !rs->Eof(); rs->MoveNext()) {
+    for (Recordset* rs = &parameters.Rows(); !rs->Eof(); rs->MoveNext()) {
       const Variant essential = ColumnValue(*rs, "Essential");
       if (!essential.IsNull() && CBool(essential)) has_essential_parameters_ = true;
 
@@ -86,7 +86,6 @@ void QueryInterpretor::LoadTemplateConditions(int32_t TemplateID) {
       }
     }
   }
-  if (rs && rs->State() == adStateOpen) rs->Close();
 }
 
 }  // namespace kelvary

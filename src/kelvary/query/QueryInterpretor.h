@@ -33,6 +33,8 @@
 
 namespace kelvary {
 
+class ServicePort;  // the door to the service object the loaders read through
+
 class QueryInterpretor {
  public:
   QueryInterpretor() = default;
@@ -134,7 +136,7 @@ class QueryInterpretor {
 
  private:
   // Reads the template's condition groups, parameters and sort options.
-  void LoadTemplateConditions(int32_t TemplateID);
+  void LoadTemplateConditions(ServicePort& services, int32_t TemplateID);
   // Builds FinalSQLStmt from RawSQL; always True.
   bool SpliceRawSQL();
   // The APPEND part for every child of level ParentId, recursively; depth

@@ -17,15 +17,17 @@
 //   dtfpUniqueValueCombination.
 // - PostRecordActionHistory returns True when the action reached the
 //   AfterPostActionHistory handlers, False otherwise.
+#include "kelvary/records/SafeDelete.h"
+
 #include <cstdint>
 #include <exception>
 #include <string>
 #include <type_traits>
 
+#include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/platform/Messages.h"
-#include "kelvary/service/InfoLink.h"
 
-namespace kelvary {
+namespace kelvary::records {
 namespace {
 
 // The key value of a row's key field as the history expects it; 0 for an
@@ -36,9 +38,9 @@ int32_t KeyValueOf(const std::shared_ptr<Recordset>& rs, const std::string& fiel
 
 }  // namespace
 
-std::string InfoLink::GetKeyFieldSQL(bool bOnlyWhereClause, const std::string& TableName,
-                                     double KeyValue1, double KeyValue2,
-                                     const std::string& KeyField1, const std::string& KeyField2) {
+std::string SafeDelete::GetKeyFieldSQL(bool bOnlyWhereClause, const std::string& TableName,
+                                       double KeyValue1, double KeyValue2,
+                                       const std::string& KeyField1, const std::string& KeyField2) {
   if (KeyField1.empty() && KeyField2.empty()) {
     MsgBox("No Key Fields defined for table : " + TableName);
     return "";
@@ -54,28 +56,29 @@ std::string InfoLink::GetKeyFieldSQL(bool bOnlyWhereClause, const std::string& T
   return "Select * from " + TableName + " Where " + where;
 }
 
-std::string InfoLink::GetShowableRecordClause(const std::string& TableName,
-                                              bool bAddAndToIt) const {
-  if (!UseSafeDelete) return "";
+std::string SafeDelete::GetShowableRecordClause(const std::string& TableName,
+                                                bool bAddAndToIt) const {
+  if (!services_.Settings().UseSafeDelete) return "";
   return std::string(bAddAndToIt ? " AND " : "") + " ( " + TableName +
          (TableName.empty() ? "" : ".") + "RecordStatus" + " <> " + "1" + " ) ";
 }
 
-int32_t InfoLink::SafeDeleteRecord(ProjectDataSources SourceofData, int32_t DTableId,
-                                   const std::string& TblName, int32_t UserId, int32_t KeyValue1,
-                                   int32_t KeyValue2, const std::string& KeyField1,
-                                   const std::string& KeyField2,
-                                   std::shared_ptr<Recordset>& RealRecs) {
+int32_t SafeDelete::SafeDeleteRecord(ProjectDataSources SourceofData, int32_t DTableId,
+                                     const std::string& TblName, int32_t UserId, int32_t KeyValue1,
+                                     int32_t KeyValue2, const std::string& KeyField1,
+                                     const std::string& KeyField2,
+                                     std::shared_ptr<Recordset>& RealRecs) {
+  const bool safe = services_.Settings().UseSafeDelete;
   if (!RealRecs) {
     const std::string where =
         GetKeyFieldSQL(true, TblName, KeyValue1, KeyValue2, KeyField1, KeyField2);
     // Two blanks before "where" in the DELETE: the system's own text.
     const std::string sql =
-        UseSafeDelete ? "Update " + TblName + " set RecordStatus = " + "1" + " where " + where
-                      : "Delete from " + TblName + "  where " + where;
+        safe ? "Update " + TblName + " set RecordStatus = " + "1" + " where " + where
+             : "Delete from " + TblName + "  where " + where;
     // Always the main data, whatever SourceofData says: a fixed choice.
-    ExecuteSQL(pdsmaindata, sql);
-  } else if (UseSafeDelete) {
+    services_.ExecuteSQL(pdsmaindata, sql);
+  } else if (safe) {
     // The caller's recordset is positioned on the row.
     RealRecs->Fields("RecordStatus").Value(Variant(int32_t{1}));
     RealRecs->Update();
@@ -89,11 +92,12 @@ int32_t InfoLink::SafeDeleteRecord(ProjectDataSources SourceofData, int32_t DTab
   return 0;
 }
 
-void InfoLink::MassSafeDeleteEntries(ProjectDataSources SourceofData, int32_t DTableId,
-                                     const std::string& TblName, int32_t UserId, int32_t KeyValue1,
-                                     int32_t KeyValue2, const std::string& ConditionSQL,
-                                     const std::string& KeyField1, const std::string& KeyField2,
-                                     std::shared_ptr<Recordset>* RealRecs) {
+void SafeDelete::MassSafeDeleteEntries(ProjectDataSources SourceofData, int32_t DTableId,
+                                       const std::string& TblName, int32_t UserId,
+                                       int32_t KeyValue1, int32_t KeyValue2,
+                                       const std::string& ConditionSQL,
+                                       const std::string& KeyField1, const std::string& KeyField2,
+                                       std::shared_ptr<Recordset>* RealRecs) {
   (void)UserId;  // every row's action is posted with user -1, on purpose
   // The resolved ID serves the unique-key look-up only; the history
   // receives DTableId as it came in.
@@ -109,7 +113,7 @@ void InfoLink::MassSafeDeleteEntries(ProjectDataSources SourceofData, int32_t DT
     const std::string sql =
         ConditionSQL.empty() ? GetKeyFieldSQL(false, TblName, KeyValue1, KeyValue2, field1, field2)
                              : "Select * from " + TblName + " where " + ConditionSQL;
-    FillRecordSet(SourceofData, rs, sql, adOpenStatic, adLockOptimistic);
+    services_.FillRecordSet(SourceofData, rs, sql, adOpenStatic, adLockOptimistic);
   } else {
     rs = *RealRecs;
   }
@@ -120,7 +124,7 @@ void InfoLink::MassSafeDeleteEntries(ProjectDataSources SourceofData, int32_t DT
   }
   if (!rs || rs->State() != adStateOpen || rs->RecordCount() < 1) return;
 
-  if (!UseSafeDelete) {
+  if (!services_.Settings().UseSafeDelete) {
     // The action is posted before its row goes, so that the host can still
     // read it.
     while (rs->RecordCount() >= 1) {
@@ -143,35 +147,35 @@ void InfoLink::MassSafeDeleteEntries(ProjectDataSources SourceofData, int32_t DT
       rs->MoveNext();
     }
   }
-  SafelyCloseRecordSet(rs);
+  CloseRecordsetSafely(rs);
 }
 
-Variant InfoLink::PostRecordActionHistory(ProjectDataSources SourceofData,
-                                          DBRecordActionTypes DBActionType, int32_t TableId,
-                                          const std::string& TableName, int32_t UserId,
-                                          int32_t KeyValue1, int32_t KeyValue2,
-                                          const std::string& KeyField1,
-                                          const std::string& KeyField2) {
+Variant SafeDelete::PostRecordActionHistory(ProjectDataSources SourceofData,
+                                            DBRecordActionTypes DBActionType, int32_t TableId,
+                                            const std::string& TableName, int32_t UserId,
+                                            int32_t KeyValue1, int32_t KeyValue2,
+                                            const std::string& KeyField1,
+                                            const std::string& KeyField2) {
   return PostActionHistory<int32_t>(SourceofData, DBActionType, TableId, TableName, UserId,
                                     KeyValue1, KeyValue2, KeyField1, KeyField2);
 }
 
-Variant InfoLink::PostRecordActionHistoryAsDouble(ProjectDataSources SourceofData,
-                                                  DBRecordActionTypes DBActionType, int32_t TableId,
-                                                  const std::string& TableName, int32_t UserId,
-                                                  double KeyValue1, double KeyValue2,
-                                                  const std::string& KeyField1,
-                                                  const std::string& KeyField2) {
+Variant SafeDelete::PostRecordActionHistoryAsDouble(ProjectDataSources SourceofData,
+                                                    DBRecordActionTypes DBActionType,
+                                                    int32_t TableId, const std::string& TableName,
+                                                    int32_t UserId, double KeyValue1,
+                                                    double KeyValue2, const std::string& KeyField1,
+                                                    const std::string& KeyField2) {
   return PostActionHistory<double>(SourceofData, DBActionType, TableId, TableName, UserId,
                                    KeyValue1, KeyValue2, KeyField1, KeyField2);
 }
 
 template <class Key>
-Variant InfoLink::PostActionHistory(ProjectDataSources SourceofData,
-                                    DBRecordActionTypes DBActionType, int32_t TableId,
-                                    const std::string& TableName, int32_t UserId, Key KeyValue1,
-                                    Key KeyValue2, const std::string& KeyField1,
-                                    const std::string& KeyField2) {
+Variant SafeDelete::PostActionHistory(ProjectDataSources SourceofData,
+                                      DBRecordActionTypes DBActionType, int32_t TableId,
+                                      const std::string& TableName, int32_t UserId, Key KeyValue1,
+                                      Key KeyValue2, const std::string& KeyField1,
+                                      const std::string& KeyField2) {
   constexpr bool kIsLong = std::is_same_v<Key, int32_t>;
   // Configuration rows are not audited.
   if (SourceofData == pdssystem) return Variant(false);
@@ -181,7 +185,7 @@ Variant InfoLink::PostActionHistory(ProjectDataSources SourceofData,
       if (TableId == 0) return Variant(false);
     }
     bool bContinue = true;
-    Raise([&](InfoLinkEvents& sink) {
+    services_.Raise([&](InfoLinkEvents& sink) {
       if constexpr (kIsLong) {
         sink.BeforePostActionHistory(SourceofData, DBActionType, TableId, TableName, UserId,
                                      KeyValue1, KeyValue2, KeyField1, KeyField2, bContinue);
@@ -191,7 +195,7 @@ Variant InfoLink::PostActionHistory(ProjectDataSources SourceofData,
       }
     });
     if (!bContinue) return Variant(false);
-    Raise([&](InfoLinkEvents& sink) {
+    services_.Raise([&](InfoLinkEvents& sink) {
       if constexpr (kIsLong) {
         sink.AfterPostActionHistory(SourceofData, DBActionType, TableId, TableName, UserId,
                                     KeyValue1, KeyValue2, KeyField1, KeyField2);
@@ -207,42 +211,37 @@ Variant InfoLink::PostActionHistory(ProjectDataSources SourceofData,
   }
 }
 
-void InfoLink::FindUniqueKeyFields(int32_t DataTableID, std::string& KeyField1,
-                                   std::string& KeyField2) {
+void SafeDelete::FindUniqueKeyFields(int32_t DataTableID, std::string& KeyField1,
+                                     std::string& KeyField2) {
   const std::string sql = "Select * from DataTablefields where (Flags > 0 ) and ( DataTableID = " +
                           std::to_string(DataTableID) + " ) ";
-  std::shared_ptr<Recordset> rs;
-  if (FillRecordSet(pdssystem, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
-    while (!rs->Eof()) {
-      const int32_t flags = CLng(rs->Fields("Flags").Value());
-      if ((flags & (dtfpUniqueValue | dtfpUniqueValueCombination)) != 0) {
-        const std::string name = TextOf(rs->Fields("FieldName").Value());
-        if (KeyField1.empty()) {
-          KeyField1 = name;
-        } else if (KeyField2.empty()) {
-          KeyField2 = name;
-        } else {
-          // The first two fields stay the key.
-          MsgBox("Not handled more than 2 fields for a unique value combination");
-          break;
-        }
-      }
-      rs->MoveNext();
+  lookups::LookupQuery query(services_, pdssystem, sql);
+  if (!query.Found()) return;
+  for (Recordset& rs = query.Rows(); !rs.Eof(); rs.MoveNext()) {
+    const int32_t flags = CLng(rs.Fields("Flags").Value());
+    if ((flags & (dtfpUniqueValue | dtfpUniqueValueCombination)) == 0) continue;
+    const std::string name = TextOf(rs.Fields("FieldName").Value());
+    if (KeyField1.empty()) {
+      KeyField1 = name;
+    } else if (KeyField2.empty()) {
+      KeyField2 = name;
+    } else {
+      // The first two fields stay the key.
+      MsgBox("Not handled more than 2 fields for a unique value combination");
+      break;
     }
   }
-  SafelyCloseRecordSet(rs);
 }
 
-int32_t InfoLink::TableIdOf(const std::string& TableName) {
-  if (GenCodeMethod == cgmDynamicTables || GenCodeMethod == cgmPhysicalLocationWise) {
-    if (table_keys_) {
-      if (const auto entry = table_keys_->Find(TableName)) {
-        const int32_t id = CLng(*entry);
-        if (id != 0) return id;
-      }
+int32_t SafeDelete::TableIdOf(const std::string& TableName) {
+  const CodeGenMethods method = services_.Settings().GenCodeMethod;
+  if (method == cgmDynamicTables || method == cgmPhysicalLocationWise) {
+    if (const auto entry = cache_.FindTableKey(TableName)) {
+      const int32_t id = CLng(*entry);
+      if (id != 0) return id;
     }
   }
-  return GetTableIDFromName(TableName);
+  return values_.GetTableIDFromName(TableName);
 }
 
-}  // namespace kelvary
+}  // namespace kelvary::records

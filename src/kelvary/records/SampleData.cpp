@@ -6,16 +6,22 @@
 // its mark. Then it asks whether to reset the marks, clears the host's
 // selection list (SelectedRecords, which may name deleted rows) and says
 // what it did.
+#include "kelvary/records/SampleData.h"
+
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/platform/Messages.h"
-#include "kelvary/service/InfoLink.h"
+#include "kelvary/platform/Transaction.h"
 
-namespace kelvary {
+namespace kelvary::records {
 namespace {
+
+using lookups::LookupQuery;
 
 struct SampleTable {
   int32_t id = 0;
@@ -26,36 +32,31 @@ struct SampleTable {
 
 }  // namespace
 
-bool InfoLink::DoesSampleDataExist() {
-  std::shared_ptr<Recordset> rs;
-  const bool found =
-      FillRecordSet(pdssystem, rs, "Select ID from DataTables where FirstSampleDataID > 0",
-                    adOpenForwardOnly, adLockReadOnly);
-  SafelyCloseRecordSet(rs);
-  return found;
+bool SampleData::DoesSampleDataExist() {
+  return lookups::AnyRowsIn(services_, pdssystem,
+                            "Select ID from DataTables where FirstSampleDataID > 0");
 }
 
-void InfoLink::DeleteSampleData() {
+void SampleData::DeleteSampleData() {
   // Tables defined later usually refer to earlier ones (visits to
   // patients): their rows go first.
   std::vector<SampleTable> tables;
-  std::shared_ptr<Recordset> rs;
-  if (FillRecordSet(pdssystem, rs,
-                    "Select ID, ValuesTable, FirstSampleDataID, TableLocation from DataTables "
-                    "where FirstSampleDataID > 0 order by ID desc",
-                    adOpenForwardOnly, adLockReadOnly)) {
-    while (!rs->Eof()) {
-      SampleTable table;
-      table.id = CLng(rs->Fields("ID").Value());
-      table.name = TextOf(rs->Fields("ValuesTable").Value());
-      table.first_sample_id = CLng(rs->Fields("FirstSampleDataID").Value());
-      const Variant& location = rs->Fields("TableLocation").Value();
-      if (!location.IsNull()) table.location = static_cast<ProjectDataSources>(CLng(location));
-      tables.push_back(std::move(table));
-      rs->MoveNext();
+  {
+    LookupQuery query(services_, pdssystem,
+                      "Select ID, ValuesTable, FirstSampleDataID, TableLocation from DataTables "
+                      "where FirstSampleDataID > 0 order by ID desc");
+    if (query.Found()) {
+      for (Recordset& rs = query.Rows(); !rs.Eof(); rs.MoveNext()) {
+        SampleTable table;
+        table.id = CLng(rs.Fields("ID").Value());
+        table.name = TextOf(rs.Fields("ValuesTable").Value());
+        table.first_sample_id = CLng(rs.Fields("FirstSampleDataID").Value());
+        const Variant& location = rs.Fields("TableLocation").Value();
+        if (!location.IsNull()) table.location = static_cast<ProjectDataSources>(CLng(location));
+        tables.push_back(std::move(table));
+      }
     }
   }
-  SafelyCloseRecordSet(rs);
   if (tables.empty()) {
     MsgBox("No sample data found");
     return;
@@ -66,39 +67,7 @@ void InfoLink::DeleteSampleData() {
   for (const SampleTable& table : tables) {
     const std::string sql =
         "Delete from " + table.name + " where ID >= " + std::to_string(table.first_sample_id);
-    const std::shared_ptr<Connection> connection = ConnectionFor(table.location);
-    bool deleted = false;
-    if (connection && connection->State() == adStateOpen) {
-      bool in_transaction = false;
-      try {
-        connection->BeginTrans();
-        in_transaction = true;
-      } catch (const std::exception&) {
-        // Without a transaction the one statement is still all or nothing.
-      }
-      ExecuteSQL(table.location, sql);  // reports its own failure
-      deleted = connection->Errors().empty();
-      if (in_transaction) {
-        try {
-          if (deleted) {
-            connection->CommitTrans();
-          } else {
-            connection->RollbackTrans();
-          }
-        } catch (const std::exception& e) {
-          MsgBox("Error executing sql : " + sql + "\r\n" + e.what());
-          if (deleted) {
-            deleted = false;
-            try {
-              connection->RollbackTrans();
-            } catch (const std::exception&) {
-            }
-          }
-        }
-      }
-    } else {
-      ExecuteSQL(table.location, sql);  // says why it cannot run
-    }
+    const bool deleted = DeleteRows(table.location, sql);
     if (deleted) {
       cleared.push_back(&table);
     } else {
@@ -109,11 +78,11 @@ void InfoLink::DeleteSampleData() {
   if (!cleared.empty() &&
       MsgBox("Reset the sample data marks of the data tables ?", vbYesNo) == vbYes) {
     for (const SampleTable* table : cleared) {
-      ExecuteSQL(pdssystem, "Update DataTables set FirstSampleDataID = 0 where ID = " +
-                                std::to_string(table->id));
+      services_.ExecuteSQL(pdssystem, "Update DataTables set FirstSampleDataID = 0 where ID = " +
+                                          std::to_string(table->id));
     }
   }
-  ExecuteSQL(pdsmaindata, "Delete from SelectedRecords");
+  services_.ExecuteSQL(pdsmaindata, "Delete from SelectedRecords");
   if (failed.empty()) {
     MsgBox("Sample data deleted");
   } else {
@@ -121,4 +90,33 @@ void InfoLink::DeleteSampleData() {
   }
 }
 
-}  // namespace kelvary
+bool SampleData::DeleteRows(ProjectDataSources location, const std::string& sql) {
+  const std::shared_ptr<Connection> connection = services_.ConnectionFor(location);
+  if (!connection || connection->State() != adStateOpen) {
+    services_.ExecuteSQL(location, sql);  // says why it cannot run
+    return false;
+  }
+  std::optional<Transaction> transaction;
+  try {
+    transaction.emplace(*connection);
+  } catch (const std::exception&) {
+    // Without a transaction the one statement is still all or nothing.
+  }
+  services_.ExecuteSQL(location, sql);  // reports its own failure
+  const bool deleted = connection->Errors().empty();
+  if (!transaction) return deleted;
+  try {
+    if (deleted) {
+      transaction->Commit();
+    } else {
+      transaction->Rollback();
+    }
+    return deleted;
+  } catch (const std::exception& e) {
+    // A commit that fails is rolled back as the transaction goes.
+    MsgBox("Error executing sql : " + sql + "\r\n" + e.what());
+    return false;
+  }
+}
+
+}  // namespace kelvary::records

@@ -1,11 +1,19 @@
 #include "kelvary/service/InfoLink.h"
 
 #include <algorithm>
-#include <cctype>
 #include <exception>
 
+#include "kelvary/lookups/ListFilling.h"
+#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/MetadataCache.h"
+#include "kelvary/lookups/SearchLinks.h"
+#include "kelvary/lookups/ValueLookups.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/records/KeyGenerator.h"
+#include "kelvary/records/SafeDelete.h"
+#include "kelvary/records/SampleData.h"
+#include "kelvary/service/InfoLinkPort.h"
 
 namespace kelvary {
 namespace {
@@ -46,26 +54,19 @@ void SetActiveInfoLink(InfoLink* link) {
 }
 }  // namespace internal
 
-InfoLink::InfoLink() = default;
+InfoLink::InfoLink()
+    : port_(std::make_unique<InfoLinkPort>(*this)),
+      metadata_(std::make_unique<lookups::MetadataCache>(*port_)),
+      values_(std::make_unique<lookups::ValueLookups>(*port_)),
+      search_links_(std::make_unique<lookups::SearchLinks>(*port_, *metadata_, *values_)),
+      lists_(std::make_unique<lookups::ListFilling>(*port_, *search_links_)),
+      keys_(std::make_unique<records::KeyGenerator>(*port_, *metadata_)),
+      safe_delete_(std::make_unique<records::SafeDelete>(*port_, *metadata_, *values_)),
+      sample_data_(std::make_unique<records::SampleData>(*port_)) {}
 
 InfoLink::~InfoLink() {
   if (app_data_xion_) Guarded([&] { CloseUserSession(); });
-  Guarded([&] { SafelyCloseRecordSet(multi_selects_); });
-  Guarded([&] {
-    if (table_keys_) {
-      while (table_keys_->Count() >= 1)
-        table_keys_->Remove(1);
-    }
-  });
-  table_keys_.reset();
-  multi_selects_.reset();
-  if (data_tables_) {
-    Guarded([&] { SafelyCloseRecordSet(data_tables_); });
-    data_tables_.reset();
-  }
-  Guarded([&] { SafelyCloseRecordSet(search_links_); });
-  search_links_.reset();
-  metadata_index_.reset();
+  metadata_->Close();
   // Only this object's own registration is cleared: a later InfoLink that
   // connected since stays the active one.
   if (active_info_link == this) active_info_link = nullptr;
@@ -149,14 +150,14 @@ std::shared_ptr<Connection> InfoLink::ConnectionFor(ProjectDataSources SourceofD
 }
 
 void InfoLink::CloseUserSession() {
-  auto rs = std::make_shared<Recordset>();
-  const std::string sql =
-      "Select * from UserSessions where Id = " + std::to_string(CurrentUserSessionID);
-  if (FillRecordSet(pdsmaindata, rs, sql, adOpenStatic, adLockOptimistic)) {
-    rs->Fields("LogoutDateTime").Value(Variant(Now()));
-    rs->Update();
+  lookups::LookupQuery session(
+      *port_, pdsmaindata,
+      "Select * from UserSessions where Id = " + std::to_string(CurrentUserSessionID), adOpenStatic,
+      adLockOptimistic);
+  if (session.Found()) {
+    session.Rows().Fields("LogoutDateTime").Value(Variant(Now()));
+    session.Rows().Update();
   }
-  SafelyCloseRecordSet(rs);
 }
 
 }  // namespace kelvary

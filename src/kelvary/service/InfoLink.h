@@ -3,12 +3,14 @@
 // ConnectDefault) and from then on calls it for every record read, statement
 // execution, look-up, list fill, new key, safe delete and SQL clause.
 //
-// InfoLink is a thin facade: it owns the shared state (settings, connections,
-// the metadata caches, the data-tables recordset and the table-key
-// collection) and each member forwards to the subsystem that holds its
-// logic. The members of each subsystem are defined in that subsystem's
-// folder (sql/, lookups/, records/); the service core (connections, record
-// access, events) is here.
+// InfoLink is a thin facade: it owns the settings, the connections, the
+// event sinks and the subsystem objects (the metadata cache, the value
+// look-ups, search links and multi-selects, list filling, key generation,
+// safe delete, sample data), and each of their members forwards in one line
+// to the subsystem that holds its logic. The subsystems reach the service
+// object only through the narrow ServicePort (InfoLinkPort). The service
+// core (connections, record access, events) is here; the clause builders
+// are pure functions in sql/.
 //
 // Expected problems never throw: the member shows the system's message
 // through the message channel (MsgBox) and returns the empty value of its
@@ -39,9 +41,18 @@
 
 namespace kelvary {
 
+class InfoLinkPort;
 namespace lookups {
-class MetadataIndex;  // the index by ID over the search-link and multi-select caches
+class MetadataCache;
+class ValueLookups;
+class SearchLinks;
+class ListFilling;
 }  // namespace lookups
+namespace records {
+class KeyGenerator;
+class SafeDelete;
+class SampleData;
+}  // namespace records
 
 class InfoLink {
  public:
@@ -260,6 +271,8 @@ class InfoLink {
   void DeleteSampleData();
 
  private:
+  friend class InfoLinkPort;  // the subsystems' door: connections and events
+
   // The connection that SourceofData names, or nullptr (pdsRawData and any
   // other value).
   std::shared_ptr<Connection> ConnectionFor(ProjectDataSources SourceofData) const;
@@ -272,82 +285,24 @@ class InfoLink {
       f(*sink);
   }
 
-  // -- look-ups (defined in lookups/) --
-  // FillID: the statement that lists every entry of a search link for a
-  // list control, with its display and value fields and its data source;
-  // "" (after a message) when the link is missing.
-  std::string FillID(int32_t SearchLinkID, std::string& DisplayField, std::string& ValueField,
-                     ProjectDataSources& SourceData);
-  // IsLargeSearchLink: True for a multi-select link value, otherwise the
-  // link's LargeNumberOFEntries.
-  bool IsLargeSearchLink(int32_t SearchLinkID);
-  // Metadata: the index over the two caches, built on first use after
-  // InitLists. Held by the caller for as long as it reads records from it.
-  std::shared_ptr<const lookups::MetadataIndex> Metadata();
-
-  // -- keys and record lifecycle (defined in records/) --
-  // GetNextMaxValue: the column's maximum plus one ("No Table mentioned" and
-  // 0 without a table). The Double form counts in doubles.
-  int32_t GetNextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
-                          const std::string& Field_Name,
-                          const std::optional<std::string>& LimitString);
-  double GetNextMaxValueAsDouble(ProjectDataSources SourceofData, const std::string& Table_Name,
-                                 const std::string& Field_Name,
-                                 const std::optional<std::string>& LimitString);
-  // GetNextLocationKey: the next counter of the current physical location
-  // for the table, read and advanced in one transaction on the
-  // sequence-generator connection, behind CurrPhysLocIDPrefix's digits.
-  int32_t GetNextLocationKey(ProjectDataSources SourceofData, const std::string& Table_Name,
-                             const std::string& Field_Name,
-                             const std::optional<std::string>& LimitString);
-  double GetNextLocationKeyAsDouble(ProjectDataSources SourceofData, const std::string& Table_Name,
-                                    const std::string& Field_Name,
-                                    const std::optional<std::string>& LimitString);
-  // FindUniqueKeyFields: the first two fields of the table's unique key
-  // (DataTableFields flagged dtfpUniqueValue or dtfpUniqueValueCombination).
-  void FindUniqueKeyFields(int32_t DataTableID, std::string& KeyField1, std::string& KeyField2);
-  // The bodies that the Long (Key = int32_t) and Double (Key = double) forms
-  // share; defined beside the members that use them.
-  template <class Key>
-  Key GenerateCode(ProjectDataSources SourceofData, const std::string& Table_Name,
-                   const std::string& Field_Name, const std::optional<std::string>& LimitString);
-  template <class Key>
-  Key NextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
-                   const std::string& Field_Name, const std::optional<std::string>& LimitString);
-  template <class Key>
-  Key NextLocationKey(const std::string& Table_Name, const std::optional<std::string>& LimitString);
-  template <class Key>
-  Variant PostActionHistory(ProjectDataSources SourceofData, DBRecordActionTypes DBActionType,
-                            int32_t TableId, const std::string& TableName, int32_t UserId,
-                            Key KeyValue1, Key KeyValue2, const std::string& KeyField1,
-                            const std::string& KeyField2);
-  // TableKey: the table-key collection's entry for a table (Error 5 when
-  // there is none); StoreTableKey replaces or adds it.
-  std::shared_ptr<Variant> TableKey(const std::string& Table_Name);
-  void StoreTableKey(const std::string& Table_Name, const Variant& value);
-  // MoveToDataTableRow positions the data-tables recordset on the table's
-  // row, by the ID the table-key collection remembers or else by name
-  // (remembering the ID found); true when the ID was already known.
-  bool MoveToDataTableRow(const std::string& Table_Name);
-  // TableIdOf: a table's DataTables ID for safe delete and the action
-  // history; 0, after "Use Dravent to define", when it is not defined.
-  int32_t TableIdOf(const std::string& TableName);
-
   std::string core_data_table_;
   std::shared_ptr<Connection> app_data_xion_;
   std::shared_ptr<Connection> configs_xion_;
   std::vector<std::shared_ptr<InfoLinkEvents>> sinks_;
   SQLHistoryObserver history_observer_;
-
-  // Private state in the system's order of declaration.
-  std::shared_ptr<Recordset> search_links_;   // search-link cache
-  std::shared_ptr<Recordset> multi_selects_;  // multi-select cache
   std::shared_ptr<Recordset> spare_recordset_;
   std::shared_ptr<Connection> sequence_generator_xion_;
-  std::shared_ptr<Recordset> data_tables_;                // kept open in cgmDynamicTables mode
-  std::shared_ptr<KeyedCollection<Variant>> table_keys_;  // created on first use
-  // Index by ID over the two caches; rebuilt after each InitLists.
-  std::shared_ptr<lookups::MetadataIndex> metadata_index_;
+
+  // The subsystems, in the order they depend on each other; each borrows
+  // port_ and the ones before it.
+  std::unique_ptr<InfoLinkPort> port_;
+  std::unique_ptr<lookups::MetadataCache> metadata_;
+  std::unique_ptr<lookups::ValueLookups> values_;
+  std::unique_ptr<lookups::SearchLinks> search_links_;
+  std::unique_ptr<lookups::ListFilling> lists_;
+  std::unique_ptr<records::KeyGenerator> keys_;
+  std::unique_ptr<records::SafeDelete> safe_delete_;
+  std::unique_ptr<records::SampleData> sample_data_;
 };
 
 // ActiveInfoLink: the InfoLink that last connected on this thread, or nullptr.

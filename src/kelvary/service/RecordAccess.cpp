@@ -1,11 +1,11 @@
 // The two operations through which every read and write of the service
 // object passes, the SQL history hook, and the small recordset utilities.
-#include <cctype>
 #include <exception>
 
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/service/InfoLink.h"
+#include "kelvary/service/ServicePort.h"
 
 namespace kelvary {
 namespace {
@@ -114,23 +114,27 @@ void InfoLink::SetSQLHistoryObserver(SQLHistoryObserver observer) {
   history_observer_ = std::move(observer);
 }
 
-void InfoLink::SafelyCloseRecordSet(const std::shared_ptr<Recordset>& CloseThis) {
-  if (!CloseThis) return;
-  if (CloseThis->State() != adStateOpen) return;
-  if (!CloseThis->Bof() && !CloseThis->Eof()) {
-    const EditModeEnum mode = CloseThis->EditMode();
+void CloseRecordsetSafely(const std::shared_ptr<Recordset>& rs) {
+  if (!rs) return;
+  if (rs->State() != adStateOpen) return;
+  if (!rs->Bof() && !rs->Eof()) {
+    const EditModeEnum mode = rs->EditMode();
     if (mode == adEditInProgress || mode == adEditAdd) {
       try {
-        CloseThis->Cancel();
+        rs->Cancel();
       } catch (const std::exception&) {
       }
       try {
-        CloseThis->CancelUpdate();
+        rs->CancelUpdate();
       } catch (const std::exception&) {
       }
     }
   }
-  CloseThis->Close();
+  rs->Close();
+}
+
+void InfoLink::SafelyCloseRecordSet(const std::shared_ptr<Recordset>& CloseThis) {
+  CloseRecordsetSafely(CloseThis);
 }
 
 bool InfoLink::IsValidRecord(const std::shared_ptr<Recordset>& Recs) {

@@ -5,19 +5,24 @@
 // they differ only where the system makes them differ: the counter column
 // of a location (CurrentMaxID or CurrentMaxIDDouble), the event raised to
 // the host, and the Long form of the max-collection mode.
+#include "kelvary/records/KeyGenerator.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <type_traits>
 
+#include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/Transaction.h"
 #include "kelvary/platform/internal/drivers/Driver.h"
-#include "kelvary/service/InfoLink.h"
 
-namespace kelvary {
+namespace kelvary::records {
 namespace {
+
+using lookups::LookupQuery;
 
 template <class Key>
 constexpr bool kIsLong = std::is_same_v<Key, int32_t>;
@@ -49,8 +54,8 @@ std::string KeyText(Key key) {
 
 // The location counter is advanced in one transaction with its read, so
 // that two processes asking at the same time never receive the same key.
-// On SQLite the transaction takes the write lock when it begins (BEGIN
-// IMMEDIATE), so the read cannot be overtaken by another writer. A server
+// Where the transaction takes the write lock when it begins (SQLite's BEGIN
+// IMMEDIATE), the read cannot be overtaken by another writer. A server
 // locks rows, not the database, and only when they are written: there the
 // counter's row is first updated to itself (lock_sql), so that a second
 // process waits at that point until the first has committed, and then reads
@@ -62,32 +67,21 @@ class CounterTransaction {
  public:
   CounterTransaction(const std::shared_ptr<Connection>& connection, const std::string& lock_sql) {
     if (connection && connection->State() == adStateOpen) {
-      connection->BeginTrans();
       connection_ = connection;
-      if (connection->Driver().Name() != "SQLite") Lock(lock_sql);
+      transaction_.emplace(*connection);
+      if (!connection->Driver().BeginLocksForWriting()) Lock(lock_sql);
     }
   }
-  ~CounterTransaction() {
-    if (!connection_) return;
-    try {
-      connection_->RollbackTrans();
-    } catch (...) {
-    }
-  }
-  CounterTransaction(const CounterTransaction&) = delete;
-  CounterTransaction& operator=(const CounterTransaction&) = delete;
 
   // ReadIsProtected: false when the counter's row could not be locked
   // because there was none; a row read after that was created meanwhile by
   // another process, unlocked.
   bool ReadIsProtected() const { return protected_; }
 
-  // Commit keeps the counter; a failed commit is rolled back by the
-  // destructor and its error reaches the caller.
+  // Commit keeps the counter; a failed commit is rolled back when the
+  // object goes and its error reaches the caller.
   void Commit() {
-    if (!connection_) return;
-    connection_->CommitTrans();
-    connection_.reset();
+    if (transaction_) transaction_->Commit();
   }
 
  private:
@@ -99,12 +93,12 @@ class CounterTransaction {
       connection_->Execute(lock_sql, locked);
       protected_ = locked > 0;
     } catch (const Error&) {
-      connection_->RollbackTrans();
-      connection_->BeginTrans();
+      transaction_->Restart();
     }
   }
 
-  std::shared_ptr<Connection> connection_;
+  std::shared_ptr<Connection> connection_;  // kept for as long as the transaction
+  std::optional<Transaction> transaction_;  // rolls back unless committed
   bool protected_ = true;
 };
 
@@ -130,37 +124,40 @@ std::string FirstLetter(const std::string& text) {
 
 // ---- The public members ----
 
-int32_t InfoLink::GenerateNumericCode(ProjectDataSources SourceofData,
-                                      const std::string& Table_Name, const std::string& Field_Name,
-                                      const std::optional<std::string>& LimitString) {
+int32_t KeyGenerator::GenerateNumericCode(ProjectDataSources SourceofData,
+                                          const std::string& Table_Name,
+                                          const std::string& Field_Name,
+                                          const std::optional<std::string>& LimitString) {
   return GenerateCode<int32_t>(SourceofData, Table_Name, Field_Name, LimitString);
 }
 
-double InfoLink::GenerateNumericCodeAsDouble(ProjectDataSources SourceofData,
-                                             const std::string& Table_Name,
-                                             const std::string& Field_Name,
-                                             const std::optional<std::string>& LimitString) {
+double KeyGenerator::GenerateNumericCodeAsDouble(ProjectDataSources SourceofData,
+                                                 const std::string& Table_Name,
+                                                 const std::string& Field_Name,
+                                                 const std::optional<std::string>& LimitString) {
   return GenerateCode<double>(SourceofData, Table_Name, Field_Name, LimitString);
 }
 
-void InfoLink::UpdateTableMaxID(const std::string& Table_Name, int32_t MaxCd) {
-  switch (GenCodeMethod) {
+void KeyGenerator::UpdateTableMaxID(const std::string& Table_Name, int32_t MaxCd) {
+  switch (services_.Settings().GenCodeMethod) {
     case cgmMaxCollection:
-      StoreTableKey(Table_Name, Variant(MaxCd));
+      cache_.StoreTableKey(Table_Name, Variant(MaxCd));
       break;
-    case cgmDynamicTables:
-      MoveToDataTableRow(Table_Name);
-      data_tables_->Fields("MaxID").Value(Variant(MaxCd));
-      data_tables_->Update();
+    case cgmDynamicTables: {
+      cache_.MoveToDataTableRow(Table_Name);
+      Recordset& data_tables = *cache_.DataTables();
+      data_tables.Fields("MaxID").Value(Variant(MaxCd));
+      data_tables.Update();
       break;
+    }
     default:
       MsgBox("Not Handled !");
       break;
   }
 }
 
-std::string InfoLink::GetRegNo(const std::string& FName, const std::string& MName,
-                               const std::string& LName) {
+std::string KeyGenerator::GetRegNo(const std::string& FName, const std::string& MName,
+                                   const std::string& LName) {
   std::string prefix = FirstLetter(FName);
   size_t letters = 0;  // how many leading characters are not the counter
   const std::string middle = TrimBlanks(MName);
@@ -176,58 +173,67 @@ std::string InfoLink::GetRegNo(const std::string& FName, const std::string& MNam
   // "*" whatever the database: the drivers read it as the LIKE wild card.
   const std::string sql =
       "Select Max(regnno) as MaxVal from patients where regnno like '" + prefix + "*'";
-  std::shared_ptr<Recordset> rs;
   int32_t next = 1;
-  if (FillRecordSet(pdsmaindata, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
-    const Variant& highest = rs->Fields("MaxVaL").Value();
+  LookupQuery query(services_, pdsmaindata, sql);
+  if (query.Found()) {
+    const Variant& highest = query.Rows().Fields("MaxVaL").Value();
     if (!highest.IsNull()) {
       const std::string text = TextOf(highest);
       if (text.size() > letters) next = PlusOne(CLng(Variant(text.substr(letters))));
     }
   }
-  SafelyCloseRecordSet(rs);
   return prefix + FormatNumber(next, std::string(7 - letters, '0'));
 }
 
-// ---- The private members ----
+// ---- The named steps ----
 
-int32_t InfoLink::GetNextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
-                                  const std::string& Field_Name,
-                                  const std::optional<std::string>& LimitString) {
+int32_t KeyGenerator::GetNextMaxValue(ProjectDataSources SourceofData,
+                                      const std::string& Table_Name, const std::string& Field_Name,
+                                      const std::optional<std::string>& LimitString) {
   return NextMaxValue<int32_t>(SourceofData, Table_Name, Field_Name, LimitString);
 }
 
-double InfoLink::GetNextMaxValueAsDouble(ProjectDataSources SourceofData,
-                                         const std::string& Table_Name,
-                                         const std::string& Field_Name,
-                                         const std::optional<std::string>& LimitString) {
+double KeyGenerator::GetNextMaxValueAsDouble(ProjectDataSources SourceofData,
+                                             const std::string& Table_Name,
+                                             const std::string& Field_Name,
+                                             const std::optional<std::string>& LimitString) {
   return NextMaxValue<double>(SourceofData, Table_Name, Field_Name, LimitString);
 }
 
-int32_t InfoLink::GetNextLocationKey(ProjectDataSources /*SourceofData*/,
-                                     const std::string& Table_Name,
-                                     const std::string& /*Field_Name*/,
-                                     const std::optional<std::string>& LimitString) {
+// The data source and field of the location forms are the system's
+// arguments; the counter table says where and what.
+int32_t KeyGenerator::GetNextLocationKey(ProjectDataSources /*SourceofData*/,
+                                         const std::string& Table_Name,
+                                         const std::string& /*Field_Name*/,
+                                         const std::optional<std::string>& LimitString) {
   return NextLocationKey<int32_t>(Table_Name, LimitString);
 }
 
-double InfoLink::GetNextLocationKeyAsDouble(ProjectDataSources /*SourceofData*/,
-                                            const std::string& Table_Name,
-                                            const std::string& /*Field_Name*/,
-                                            const std::optional<std::string>& LimitString) {
+double KeyGenerator::GetNextLocationKeyAsDouble(ProjectDataSources /*SourceofData*/,
+                                                const std::string& Table_Name,
+                                                const std::string& /*Field_Name*/,
+                                                const std::optional<std::string>& LimitString) {
   return NextLocationKey<double>(Table_Name, LimitString);
 }
 
 template <class Key>
-Key InfoLink::GenerateCode(ProjectDataSources SourceofData, const std::string& Table_Name,
-                           const std::string& Field_Name,
-                           const std::optional<std::string>& LimitString) {
-  switch (GenCodeMethod) {
+Key KeyGenerator::GenerateCode(ProjectDataSources SourceofData, const std::string& Table_Name,
+                               const std::string& Field_Name,
+                               const std::optional<std::string>& LimitString) {
+  // The named steps of the Long or the Double form.
+  const auto next_max = [&] {
+    if constexpr (kIsLong<Key>) {
+      return GetNextMaxValue(SourceofData, Table_Name, Field_Name, LimitString);
+    } else {
+      return GetNextMaxValueAsDouble(SourceofData, Table_Name, Field_Name, LimitString);
+    }
+  };
+  switch (services_.Settings().GenCodeMethod) {
     case cgmDefault:
     case cgmRawGenerate:
     case cgmDCOM:
     case cgmStoredProcedure:
-      return NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString);
+      return next_max();
 
     case cgmMaxCollection: {
       Key n = 0;
@@ -237,27 +243,27 @@ Key InfoLink::GenerateCode(ProjectDataSources SourceofData, const std::string& T
         // and raises a type mismatch for any other.
         n = CLng(Variant(Table_Name));
       } else {
-        n = CDbl(*TableKey(Table_Name));
+        n = CDbl(*cache_.TableKey(Table_Name));
       }
-      n = n == 0 ? NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString)
-                 : PlusOne(n);
-      StoreTableKey(Table_Name, Variant(n));
+      n = n == 0 ? next_max() : PlusOne(n);
+      cache_.StoreTableKey(Table_Name, Variant(n));
       return n;
     }
 
     case cgmDynamicTables: {
-      const bool id_known = MoveToDataTableRow(Table_Name);
-      const Key n = id_known ? PlusOne(KeyOf<Key>(data_tables_->Fields("MaxID").Value()))
-                             : NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString);
-      data_tables_->Fields("MaxID").Value(Variant(n));
-      data_tables_->Update();
+      const bool id_known = cache_.MoveToDataTableRow(Table_Name);
+      Recordset& data_tables = *cache_.DataTables();
+      const Key n =
+          id_known ? PlusOne(KeyOf<Key>(data_tables.Fields("MaxID").Value())) : next_max();
+      data_tables.Fields("MaxID").Value(Variant(n));
+      data_tables.Update();
       return n;
     }
 
     case cgmNetworkServer: {
       Key value = 0;
       const std::string limit = LimitString.value_or("");
-      Raise([&](InfoLinkEvents& sink) {
+      services_.Raise([&](InfoLinkEvents& sink) {
         if constexpr (kIsLong<Key>) {
           sink.RequestRemoteNextID(value, SourceofData, Table_Name, Field_Name, limit);
         } else {
@@ -269,18 +275,20 @@ Key InfoLink::GenerateCode(ProjectDataSources SourceofData, const std::string& T
 
     case cgmPhysicalLocationWise:
       // System data has no location counters.
-      if (SourceofData == pdssystem) {
-        return NextMaxValue<Key>(SourceofData, Table_Name, Field_Name, LimitString);
+      if (SourceofData == pdssystem) return next_max();
+      if constexpr (kIsLong<Key>) {
+        return GetNextLocationKey(SourceofData, Table_Name, Field_Name, LimitString);
+      } else {
+        return GetNextLocationKeyAsDouble(SourceofData, Table_Name, Field_Name, LimitString);
       }
-      return NextLocationKey<Key>(Table_Name, LimitString);
   }
   return 0;  // a method the system does not know makes no key
 }
 
 template <class Key>
-Key InfoLink::NextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
-                           const std::string& Field_Name,
-                           const std::optional<std::string>& LimitString) {
+Key KeyGenerator::NextMaxValue(ProjectDataSources SourceofData, const std::string& Table_Name,
+                               const std::string& Field_Name,
+                               const std::optional<std::string>& LimitString) {
   if (Table_Name.empty()) {
     MsgBox("No Table mentioned");
     return 0;
@@ -288,25 +296,25 @@ Key InfoLink::NextMaxValue(ProjectDataSources SourceofData, const std::string& T
   std::string sql = "Select Max(" + Field_Name + ")  As Max_Value From " + Table_Name;
   // A limit of five characters or fewer is ignored, deliberately.
   if (LimitString && LimitString->size() > 5) sql += " Where " + *LimitString;
-  std::shared_ptr<Recordset> rs;
   Key highest = 0;
-  if (FillRecordSet(SourceofData, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
-    const Variant& value = rs->Fields("Max_Value").Value();
+  LookupQuery query(services_, SourceofData, sql);
+  if (query.Found()) {
+    const Variant& value = query.Rows().Fields("Max_Value").Value();
     if (!value.IsNull()) highest = KeyOf<Key>(value);
   }
-  SafelyCloseRecordSet(rs);
   return PlusOne(highest);
 }
 
 template <class Key>
-Key InfoLink::NextLocationKey(const std::string& Table_Name,
-                              const std::optional<std::string>& LimitString) {
-  const int32_t table_id = CLng(*TableKey(Table_Name));
+Key KeyGenerator::NextLocationKey(const std::string& Table_Name,
+                                  const std::optional<std::string>& LimitString) {
+  const int32_t table_id = CLng(*cache_.TableKey(Table_Name));
   if (LimitString && !LimitString->empty()) {
     MsgBox("Limit String : " + *LimitString + " not supported for Table Name :" + Table_Name);
   }
   const std::string counter = kIsLong<Key> ? "CurrentMaxID" : "CurrentMaxIDDouble";
-  const int32_t location_id = CurrentPhysicalLocationID;
+  const ServiceSettings settings = services_.Settings();
+  const int32_t location_id = settings.CurrentPhysicalLocationID;
   const std::string sql =
       "Select * from LocationTableKeys where (DataTableID = " + std::to_string(table_id) +
       " )  and ( LocationID = " + std::to_string(location_id) + " ) ";
@@ -316,35 +324,38 @@ Key InfoLink::NextLocationKey(const std::string& Table_Name,
   // One attempt; none when the location's row appeared after the lock was
   // tried, so that its read was not protected.
   const auto advance = [&]() -> std::optional<Key> {
-    CounterTransaction transaction(sequence_generator_xion_, "Update LocationTableKeys set " +
-                                                                 counter + " = " + counter + where);
-    std::shared_ptr<Recordset> rs;
+    CounterTransaction transaction(
+        services_.ConnectionFor(pdsSequenceGenerator),
+        "Update LocationTableKeys set " + counter + " = " + counter + where);
     Key count = 0;
-    if (FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenForwardOnly, adLockReadOnly)) {
-      if (!transaction.ReadIsProtected()) {
-        SafelyCloseRecordSet(rs);
-        return std::nullopt;
+    bool found = false;
+    {
+      LookupQuery read(services_, pdsSequenceGenerator, sql);
+      found = read.Found();
+      if (found) {
+        if (!transaction.ReadIsProtected()) return std::nullopt;
+        const Variant& stored = read.Rows().Fields(counter).Value();
+        count = PlusOne(stored.IsNull() ? Key{0} : KeyOf<Key>(stored));
       }
-      const Variant& stored = rs->Fields(counter).Value();
-      count = PlusOne(stored.IsNull() ? Key{0} : KeyOf<Key>(stored));
-    } else {
-      SafelyCloseRecordSet(rs);
-      FillRecordSet(pdsSequenceGenerator, rs, sql, adOpenStatic, adLockOptimistic);
-      rs->AddNew();
-      rs->Fields("DataTableId").Value(Variant(table_id));
-      rs->Fields("LocationID").Value(Variant(location_id));
-      rs->Fields(counter).Value(Variant(Key{1}));
-      rs->Update();
+    }
+    if (!found) {
+      LookupQuery row(services_, pdsSequenceGenerator, sql, adOpenStatic, adLockOptimistic);
+      Recordset& rs = row.Rows();
+      rs.AddNew();
+      rs.Fields("DataTableId").Value(Variant(table_id));
+      rs.Fields("LocationID").Value(Variant(location_id));
+      rs.Fields(counter).Value(Variant(Key{1}));
+      rs.Update();
       count = 1;
     }
-    SafelyCloseRecordSet(rs);
     // A counter stored as Null or 0 gives 1 and is left as it is, so it gives
     // 1 again next time: intended, a new row already holds 1.
     if (count > 1) {
-      ExecuteSQL(pdsSequenceGenerator,
-                 "Update LocationTableKeys set " + counter + " = " + counter +
-                     " + 1 where (DataTableID = " + std::to_string(table_id) +
-                     " )  and ( LocationID = " + std::to_string(CurrentPhysicalLocationID) + " ) ");
+      services_.ExecuteSQL(pdsSequenceGenerator,
+                           "Update LocationTableKeys set " + counter + " = " + counter +
+                               " + 1 where (DataTableID = " + std::to_string(table_id) +
+                               " )  and ( LocationID = " +
+                               std::to_string(settings.CurrentPhysicalLocationID) + " ) ");
     }
     transaction.Commit();
     return count;
@@ -361,42 +372,11 @@ Key InfoLink::NextLocationKey(const std::string& Table_Name,
     }
   }
 
-  if (CurrPhysLocIDPrefix == 0) MsgBox("CurrPhysLocIDPrefix = 0 ");
+  const int32_t prefix = services_.Settings().CurrPhysLocIDPrefix;
+  if (prefix == 0) MsgBox("CurrPhysLocIDPrefix = 0 ");
   // The prefix's digits followed by the counter's: prefix 12, counter 345
   // give 12345.
-  return KeyOf<Key>(Variant(std::to_string(CurrPhysLocIDPrefix) + KeyText(*count)));
+  return KeyOf<Key>(Variant(std::to_string(prefix) + KeyText(*count)));
 }
 
-std::shared_ptr<Variant> InfoLink::TableKey(const std::string& Table_Name) {
-  if (!table_keys_) table_keys_ = std::make_shared<KeyedCollection<Variant>>();
-  return table_keys_->Item(Table_Name);
-}
-
-void InfoLink::StoreTableKey(const std::string& Table_Name, const Variant& value) {
-  if (!table_keys_) table_keys_ = std::make_shared<KeyedCollection<Variant>>();
-  if (const auto entry = table_keys_->Find(Table_Name)) {
-    *entry = value;
-  } else {
-    table_keys_->Add(std::make_shared<Variant>(value), Table_Name);
-  }
-}
-
-bool InfoLink::MoveToDataTableRow(const std::string& Table_Name) {
-  if (!data_tables_) {
-    throw Error(kErrObjectVariableNotSet,
-                "The data-tables recordset is not loaded: key generation by dynamic tables needs "
-                "InitLists in that mode");
-  }
-  const std::shared_ptr<Variant> entry = TableKey(Table_Name);
-  const int32_t id = CLng(*entry);
-  data_tables_->MoveFirst();
-  if (id != 0) {
-    data_tables_->Find("ID = " + std::to_string(id));
-    return true;
-  }
-  data_tables_->Find("ValuesTable Like '" + Table_Name + "'");
-  *entry = Variant(CLng(data_tables_->Fields("ID").Value()));
-  return false;
-}
-
-}  // namespace kelvary
+}  // namespace kelvary::records
