@@ -21,3 +21,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
+# A library found by its full path (odbc32) is otherwise bracketed with
+# -Bstatic ... -Bdynamic, which leaves the compiler's own runtime to be
+# linked dynamically after it.
+set(CMAKE_LINK_SEARCH_END_STATIC ON)
