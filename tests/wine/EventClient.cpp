@@ -241,10 +241,12 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
           "names match without regard to case");
   }
 
-  VARIANT main_xion, system_xion, direct;
+  VARIANT main_xion, system_xion, no_recs;
   VariantInit(&main_xion);
   VariantInit(&system_xion);
-  VariantInit(&direct);
+  VariantInit(&no_recs);
+  V_VT(&no_recs) = VT_DISPATCH;  // Nothing: the record is deleted by a statement
+  V_DISPATCH(&no_recs) = nullptr;
   Let(link, L"UseSafeDelete", Arg::Bool(true));
   Let(link, L"GenCodeMethod", Arg(6));  // keys come from the host
   Outcome connected =
@@ -290,9 +292,9 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
   // A veto: nothing is marked.
   sink.seen.clear();
   sink.veto = true;
-  Outcome vetoed =
-      Method(link, L"SafeDeleteRecord",
-             {Arg(1), Arg(1), Arg(L"patients"), Arg(2), Arg(291), Arg(0), Arg(L"ID"), Arg(L"")});
+  Outcome vetoed = Method(link, L"SafeDeleteRecord",
+                          {Arg(1), Arg(1), Arg(L"patients"), Arg(2), Arg(291), Arg(0), Arg(L"ID"),
+                           Arg(L""), Arg::Ref(&no_recs)});
   Check(vetoed.hr == S_OK, "SafeDeleteRecord with a veto returns normally");
   Check(Joined(sink.seen) == L"BeforePostActionHistory",
         "with bContinue False only BeforePostActionHistory is raised");
@@ -304,9 +306,9 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
   // The real thing: Before, then After, and the row is marked.
   sink.seen.clear();
   sink.veto = false;
-  Outcome deleted =
-      Method(link, L"SafeDeleteRecord",
-             {Arg(1), Arg(1), Arg(L"patients"), Arg(2), Arg(292), Arg(0), Arg(L"ID"), Arg(L"")});
+  Outcome deleted = Method(link, L"SafeDeleteRecord",
+                           {Arg(1), Arg(1), Arg(L"patients"), Arg(2), Arg(292), Arg(0), Arg(L"ID"),
+                            Arg(L""), Arg::Ref(&no_recs)});
   Check(deleted.hr == S_OK, "SafeDeleteRecord returns normally");
   Check(Joined(sink.seen) == L"BeforePostActionHistory,AfterPostActionHistory",
         "BeforePostActionHistory then AfterPostActionHistory, in that order");

@@ -174,13 +174,34 @@ Sub TestStoredQuery
   CheckNoError "CreateObject(""Kelvary.QueryInterpretor"")"
   qi.InitSettings "", 1, 1, False
   CheckNoError "InitSettings"
+  ' As the application does: each top group's condition text restricts the
+  ' shape level it is bound to.
+  Dim text, level, restricted
   params = 0
+  restricted = 0
   For Each group In qi.CurrentConditions
     For Each param In group.ChildConditions
       params = params + 1
     Next
+    If group.ParentGroupId = 0 Then
+      text = qi.GetConditionString(group)
+      If text <> "" Then
+        For Each level In qi.ShapeNests
+          If level.ID = group.NestedBinding Then
+            If level.AssignedWhereClause = "" Then
+              level.AssignedWhereClause = text
+            Else
+              level.AssignedWhereClause = level.AssignedWhereClause & " AND " & text
+            End If
+            restricted = restricted + 1
+          End If
+        Next
+      End If
+    End If
   Next
   Check params = 6, "the template's conditions: six parameters in their groups"
+  Check restricted > 0, "the condition text of the template's groups restricts their levels"
+  CheckNoError "conditions"
   qi.EncodeSQLStmt
   CheckNoError "EncodeSQLStmt"
   Check InStr(qi.FinalSQLStmt, "patients.LastName Like 'M%'") > 0, _
@@ -242,7 +263,9 @@ Sub TestKeysAndDelete
   Check showable = " ( patients.RecordStatus <> 1 ) ", "GetShowableRecordClause"
   Check link.GetCorrespondingValue(290, "patients", "RecordStatus", "ID", 1, "") = 0, _
         "patient 290 is showable before the delete"
-  link.SafeDeleteRecord 1, 1, "patients", 2, 290, 0, "ID", ""
+  Dim noRecs
+  Set noRecs = Nothing
+  link.SafeDeleteRecord 1, 1, "patients", 2, 290, 0, "ID", "", noRecs
   CheckNoError "SafeDeleteRecord"
   Check link.GetCorrespondingValue(290, "patients", "RecordStatus", "ID", 1, "") = 1, _
         "SafeDeleteRecord marks the row instead of removing it"

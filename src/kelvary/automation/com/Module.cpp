@@ -195,7 +195,11 @@ HRESULT RegisterClasses(bool per_user) {
     if (!ok) return per_user ? SELFREG_E_CLASS : E_ACCESSDENIED;
   }
   ITypeLib* library = TypeLibrary();
+#ifdef KELVARY_HAS_TYPELIB
   if (library == nullptr) return SELFREG_E_TYPELIB;
+#else
+  if (library == nullptr) return S_OK;  // built without its type library
+#endif
   std::wstring mutable_path = path;
   const HRESULT hr = per_user ? RegisterTypeLibForUser(library, mutable_path.data(), nullptr)
                               : RegisterTypeLib(library, mutable_path.data(), nullptr);
