@@ -1,6 +1,7 @@
 #include "kelvary/lookups/MetadataIndex.h"
 
 #include <cmath>
+#include <exception>
 #include <limits>
 
 namespace kelvary::lookups {
@@ -24,6 +25,33 @@ Variant ValueOf(const Recordset& rs, const char* column) {
 
 std::string TextOfColumn(const Recordset& rs, const char* column) {
   return TextOf(rs.Fields(column).Value());
+}
+
+bool IsPositive(const Variant& value) {
+  return !value.IsNull() && CLng(value) > 0;
+}
+
+// Resolve fills the record's worked-out details; a column that does not
+// convert leaves it unresolved.
+void Resolve(SearchLinkRecord& link) {
+  try {
+    link.TableLocationValue = CLng(link.TableLocation);
+    link.SearchTableValue = CLng(link.SearchTable);
+    link.HasManyEntries = !link.LargeNumberOFEntries.IsNull() && CBool(link.LargeNumberOFEntries);
+    // The link's own new-entry screen wins over its table's.
+    link.DefNewScreenID = 0;
+    if (IsPositive(link.SLDefNewScreen)) link.DefNewScreenID = CInt(link.SLDefNewScreen);
+    if (link.DefNewScreenID == 0 && IsPositive(link.DTDefNewScreenID)) {
+      link.DefNewScreenID = CInt(link.DTDefNewScreenID);
+    }
+    link.SearchWndValue = CLng(link.SearchWnd);
+  } catch (const std::exception&) {
+    return;
+  }
+  // A hand-written statement is passed through untouched, whatever the
+  // link's table.
+  link.DetailsSQL = link.SQLStmt.empty() ? MetadataIndex::DetailsStatement(link) : link.SQLStmt;
+  link.Resolved = true;
 }
 
 // Index: maps each key to its first row; later rows with the same key and
@@ -56,6 +84,7 @@ MetadataIndex::MetadataIndex(const std::shared_ptr<Recordset>& search_links,
     link.ValuesTable = TextOfColumn(rs, "ValuesTable");
     link.DTDefNewScreenID = ValueOf(rs, "DTDefNewScreenID");
     link.TableLocation = ValueOf(rs, "TableLocation");
+    Resolve(link);
     search_links_.push_back(std::move(link));
   });
   ForEachRow(multi_selects, [&](const Recordset& rs) {
@@ -83,6 +112,22 @@ const SearchLinkRecord* MetadataIndex::FindSearchLink(int32_t id) const {
 const MultiSelectRecord* MetadataIndex::FindMultiSelect(int32_t id) const {
   const auto it = multi_select_rows_.find(id);
   return it == multi_select_rows_.end() ? nullptr : &multi_selects_[it->second];
+}
+
+// A where clause may end in its own order clause; only one in lower case
+// (" order ") is recognised, so one in capitals gets a second order clause
+// and an invalid statement. Kept as it is: stored where clauses are written
+// for it.
+std::string MetadataIndex::DetailsStatement(const SearchLinkRecord& link) {
+  std::string sql = "Select  " + link.SearchDisplayField + " , " + link.SearchValueField +
+                    " from " + link.ValuesTable;
+  if (!link.SearchWhereClause.empty()) {
+    sql += "  where  " + link.SearchWhereClause;
+    if (sql.find(" order ") == std::string::npos) sql += " Order by " + link.SearchDisplayField;
+  } else {
+    sql += " Order by " + link.SearchDisplayField;
+  }
+  return sql;
 }
 
 std::optional<int32_t> MetadataIndex::KeyOf(const Variant& value) {

@@ -44,6 +44,19 @@ struct SearchLinkRecord {
   std::string ValuesTable;
   Variant DTDefNewScreenID;  // Integer or Null
   Variant TableLocation;     // a ProjectDataSources value
+
+  // Worked out once, when the index is built, for GetSearchLinkDetails, the
+  // look-up hosts call most: the statement it answers and the columns it
+  // converts. Resolved is false when a conversion would raise; the caller
+  // then converts the columns itself, so that the error comes from the call
+  // as it always did.
+  bool Resolved = false;
+  std::string DetailsSQL;
+  int32_t SearchTableValue = 0;
+  int32_t SearchWndValue = 0;
+  int32_t TableLocationValue = 0;
+  bool HasManyEntries = false;
+  int16_t DefNewScreenID = 0;
 };
 
 // MultiSelectRecord: one row of the multi-select cache.
@@ -75,6 +88,10 @@ class MetadataIndex {
   const std::vector<MultiSelectRecord>& MultiSelects() const { return multi_selects_; }
   int32_t SearchLinkCount() const { return static_cast<int32_t>(search_links_.size()); }
   int32_t MultiSelectCount() const { return static_cast<int32_t>(multi_selects_.size()); }
+
+  // DetailsStatement: the statement GetSearchLinkDetails answers for a link
+  // without a statement of its own.
+  static std::string DetailsStatement(const SearchLinkRecord& link);
 
   // KeyOf: the whole number a criterion "column = n" matches in value, or
   // nothing (Null, Empty, a fraction, text that is no number, a number

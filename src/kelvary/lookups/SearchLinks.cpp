@@ -14,23 +14,6 @@
 namespace kelvary::lookups {
 namespace {
 
-// The statement GetSearchLinkDetails builds when the link has no statement
-// of its own. A where clause may end in its own order clause; only one in
-// lower case (" order ") is recognised, so one in capitals gets a second
-// order clause and an invalid statement. Kept as it is: stored where
-// clauses are written for it.
-std::string DetailsStatement(const SearchLinkRecord& link) {
-  std::string sql = "Select  " + link.SearchDisplayField + " , " + link.SearchValueField +
-                    " from " + link.ValuesTable;
-  if (!link.SearchWhereClause.empty()) {
-    sql += "  where  " + link.SearchWhereClause;
-    if (sql.find(" order ") == std::string::npos) sql += " Order by " + link.SearchDisplayField;
-  } else {
-    sql += " Order by " + link.SearchDisplayField;
-  }
-  return sql;
-}
-
 // The statement GetDescription uses for a link with a value table: no order
 // clause, and the link's where clause when it has one.
 std::string DescriptionStatement(const SearchLinkRecord& link) {
@@ -71,6 +54,20 @@ int32_t SearchLinks::GetSearchLinkDetails(int32_t SearchLinkID, std::string& Sea
     MsgBox("Problem in SearchLinkID " + std::to_string(SearchLinkID));
     return 0;
   }
+  if (link->Resolved) {
+    // The same answer as below, converted once when the index was built.
+    SearchDisplayField = link->SearchDisplayField;
+    SearchValueField = link->SearchValueField;
+    SourceData = static_cast<ProjectDataSources>(link->TableLocationValue);
+    SelectCaption = link->SelectCaption;
+    SearchTable = link->SearchTableValue;
+    if (HasManyEntries != nullptr) *HasManyEntries = link->HasManyEntries;
+    if (DefNewScreenID != nullptr) *DefNewScreenID = link->DefNewScreenID;
+    if (SecondaryDisplayField != nullptr) *SecondaryDisplayField = link->SecondaryDisplayField;
+    SQLStmt = link->DetailsSQL;
+    SearchTableName = link->ValuesTable;
+    return link->SearchWndValue;
+  }
   SearchDisplayField = link->SearchDisplayField;
   SearchValueField = link->SearchValueField;
   SourceData = static_cast<ProjectDataSources>(CLng(link->TableLocation));
@@ -90,7 +87,7 @@ int32_t SearchLinks::GetSearchLinkDetails(int32_t SearchLinkID, std::string& Sea
   if (SecondaryDisplayField != nullptr) *SecondaryDisplayField = link->SecondaryDisplayField;
   // A hand-written statement is passed through untouched, whatever the
   // link's table.
-  SQLStmt = link->SQLStmt.empty() ? DetailsStatement(*link) : link->SQLStmt;
+  SQLStmt = link->SQLStmt.empty() ? MetadataIndex::DetailsStatement(*link) : link->SQLStmt;
   SearchTableName = link->ValuesTable;
   return CLng(link->SearchWnd);
 }
