@@ -44,6 +44,7 @@ const std::vector<ClassEntry>& Entries() {
       Creatable<ValueSets>(),
       Creatable<FieldLink>(),
       Creatable<FieldLinks>(),
+      Creatable<GeneralCollection>(),
       Creatable<Connection>(),
       Creatable<Recordset>(),
       Listed<internal::RecordsetFields>(),

@@ -108,6 +108,126 @@ const MemberTable& ClassTraits<InfoLink>::Table() {
              {"MainXion", "SysXion", "MainDSN", "SystemDSN", "DirectXectString"});
     b.Method("InterpretUserDataLocation", &C::InterpretUserDataLocation);
 
+    // Record access and SQL history.
+    b.Method("FillRecordSet", &C::FillRecordSet,
+             {"SourceofData", "rs", "SQLStmt", "CursorType", "LocKType"});
+    b.Method("ExecuteSQL", &C::ExecuteSQL, {"SourceofData", "SQLStmt"});
+    b.Method("WriteSQLHistory", &C::WriteSQLHistory, {"DoAction", "SqlStr"});
+    b.Method("SafelyCloseRecordSet", &C::SafelyCloseRecordSet, {"CloseThis"});
+    b.Method("IsValidRecord", &C::IsValidRecord, {"Recs"});
+    b.Method("RemoveNonNulls", &C::RemoveNonNulls, {"rs"});
+    b.Method("AssignFieldValuesToAllRecs", &C::AssignFieldValuesToAllRecs,
+             {"Recs", "FldName", "FldValue"});
+    // The error object is the host's (its data-access library's); nothing of
+    // it is read.
+    b.Method("InterpretRecordErrorStatus",
+             +[](C& c, ProjectDataSources srcData, const Variant& ByrefErrObject,
+                 std::shared_ptr<Recordset> RecToCheck) {
+               (void)ByrefErrObject;
+               return c.InterpretRecordErrorStatus(srcData, nullptr, RecToCheck);
+             },
+             {"srcData", "ByrefErrObject", "RecToCheck"});
+
+    // Dialect helpers.
+    b.Method("GetSQLEntityName", &C::GetSQLEntityName, {"SrcStr"});
+    b.Method("GetInvertedCommaSafeString", &C::GetInvertedCommaSafeString, {"OrgStr"});
+    b.Method("FormatDateToDBStr", &C::FormatDateToDBStr, {"SrcDate"});
+    b.Method("CreateCheckForNullStmt", &C::CreateCheckForNullStmt, {"FldName"});
+    b.Method("GetNameClause", &C::GetNameClause, {"TblName", "PrefixFld", "alias"});
+    b.Method("CreateAlphaClause", &C::CreateAlphaClause, {"ComparisionField", "tb"});
+    b.Method("GetCombinedPhone", &C::GetCombinedPhone, {"Ph1", "Ph2"});
+
+    // Comparison and date-range clauses.
+    b.Method("GetComparisionClause", &C::GetComparisionClause,
+             {"FldName", "DType", "CompareType", "SUBOperator", "CompareValue1", "CompareValue2",
+              "bReverse", "bUseXtal"});
+    b.Method("GetBooleanCompareClause", &C::GetBooleanCompareClause,
+             {"FldName", "CompareType", "booleanVal", "bUseXtal"});
+    b.Method("GetComparisionClauseForDefEqual", &C::GetComparisionClauseForDefEqual,
+             {"FldName", "GDType", "CompareValue", "bReverse", "bUseXtal"});
+    b.Method("GetDateSqlFromValues", &C::GetDateSqlFromValues,
+             {"FieldName", "CurrentSpecs", "DateFrom", "DateTo", "bUseXtalFmla"});
+    b.Method("GetDateSqlFromControls", &C::GetDateSqlFromControls,
+             {"FieldName", "CurrentSpecs", "DateFrom", "DateTo"});
+
+    // Metadata cache and search links.
+    b.Method("InitLists", &C::InitLists, {"bFSLnx", "bMSlcts"});
+    b.Method("GetSearchLinkDetails", &C::GetSearchLinkDetails,
+             {"SearchLinkID", "SearchDisplayField", "SearchValueField", "SearchTable",
+              "SearchTableName", "SourceData", "SQLStmt", "SelectCaption", "HasManyEntries",
+              "DefNewScreenID", "SecondaryDisplayField"});
+    b.Method("GetDescription", &C::GetDescription, {"SearchLinkID", "CurrValue", "NumCharSpace"});
+    b.Method("GetSrchlinkControlType", &C::GetSrchlinkControlType, {"SrchLnk", "HasLotsaEntries"});
+    b.Method("GetDefinitionTable", &C::GetDefinitionTable, {"SearchLink"});
+
+    // Value look-ups.
+    b.Method("GetCoreName", &C::GetCoreName, {"CoreCode", "TblName", "NumCharSpace"});
+    b.Method("GetDescriptionFromCode", &C::GetDescriptionFromCode,
+             {"CurrValue", "TableName", "descriptionField", "ValueField", "Dtsrc", "SQLStmt",
+              "NumCharSpace", "SecondaryDisplayField"});
+    b.Method("GetCorrespondingValue", &C::GetCorrespondingValue,
+             {"SearchValue", "TableName", "OutPutField", "Searchfield", "Dtsrc", "SQLStmt"});
+    b.Method("GetCorrespondingValueFromText", &C::GetCorrespondingValueFromText,
+             {"SearchText", "TableName", "OutPutField", "Searchfield", "Dtsrc", "SQLStmt"});
+    b.Method("GetHierarchicalParentNonZeroLongValue", &C::GetHierarchicalParentNonZeroLongValue,
+             {"StartFromID", "TblName", "ParentFieldName", "ValueFieldName", "DatSrc"});
+    b.Method("IsCheckListAttributeEnabled", &C::IsCheckListAttributeEnabled,
+             {"SourceofData", "TableName", "AttributeField", "AttributeValue", "SourceField",
+              "SrcFieldValue"});
+    b.Method("GetTableIDFromName", &C::GetTableIDFromName, {"TblName"});
+
+    // Multi-select lists.
+    b.Method(
+        "SupplyMultiListdata", &C::SupplyMultiListdata,
+        {"MultiListID", "DescriptionTbl", "SqlStr", "DisplayField", "ValueField", "SrchLinkId"});
+    b.Method("GetMultiListParentWnd", &C::GetMultiListParentWnd, {"MultiListID", "SrchLnkID"});
+    b.Method("GetMultiSettings", &C::GetMultiSettings,
+             {"MultiListID", "StorageTableName", "ParentTableName"});
+    b.Method("FillWithMultiListOptions", &C::FillWithMultiListOptions, {"ParentSrchLnk", "fcb"});
+    b.Method("GetMultiSelectSQL", &C::GetMultiSelectSQL,
+             {"NegativeMultiOption", "SrchDisplayFld", "SrchValueField", "SourceofData"});
+    b.Method("GetMultiString", &C::GetMultiString, {"MultiLinkId", "ParentID"});
+
+    // List-control filling.
+    b.Method("FillComboWithOptions", &C::FillComboWithOptions, {"cb", "SearchLinkID"});
+    b.Method("FillComboWithSQL", &C::FillComboWithSQL,
+             {"cb", "SourceData", "SQLStmt", "SearchDisplayField", "SearchValueField",
+              "bSelectFirst", "bDontClear"});
+    b.Method("AddRecsToCombo", &C::AddRecsToCombo, {"Recs", "DescField", "ValFld", "fc"});
+    b.Method("RefreshHierarchicalList", &C::RefreshHierarchicalList,
+             {"SourceofData", "fc", "DescFld", "IDFld", "TableName", "FilterString"});
+    b.Method("FillComboWithValidDataTypes", &C::FillComboWithValidDataTypes,
+             {"cb", "DataFormatUsageID"});
+
+    // Key generation.
+    b.Method("GenerateNumericCode", &C::GenerateNumericCode,
+             {"SourceofData", "Table_Name", "Field_Name", "LimitString"});
+    b.Method("GenerateNumericCodeAsDouble", &C::GenerateNumericCodeAsDouble,
+             {"SourceofData", "Table_Name", "Field_Name", "LimitString"});
+    b.Method("UpdateTableMaxID", &C::UpdateTableMaxID, {"Table_Name", "MaxCd"});
+    b.Method("GetRegNo", &C::GetRegNo, {"FName", "MName", "LName"});
+
+    // Safe delete and action history.
+    b.Method("SafeDeleteRecord", &C::SafeDeleteRecord,
+             {"SourceofData", "DTableId", "TblName", "UserId", "KeyValue1", "KeyValue2",
+              "KeyField1", "KeyField2", "RealRecs"});
+    b.Method("MassSafeDeleteEntries", &C::MassSafeDeleteEntries,
+             {"SourceofData", "DTableId", "TblName", "UserId", "KeyValue1", "KeyValue2",
+              "ConditionSQL", "KeyField1", "KeyField2", "RealRecs"});
+    b.Method("GetKeyFieldSQL", &C::GetKeyFieldSQL,
+             {"bOnlyWhereClause", "TableName", "KeyValue1", "KeyValue2", "KeyField1", "KeyField2"});
+    b.Method("GetShowableRecordClause", &C::GetShowableRecordClause, {"TableName", "bAddAndToIt"});
+    b.Method("PostRecordActionHistory", &C::PostRecordActionHistory,
+             {"SourceofData", "DBActionType", "TableId", "TableName", "UserId", "KeyValue1",
+              "KeyValue2", "KeyField1", "KeyField2"});
+    b.Method("PostRecordActionHistoryAsDouble", &C::PostRecordActionHistoryAsDouble,
+             {"SourceofData", "DBActionType", "TableId", "TableName", "UserId", "KeyValue1",
+              "KeyValue2", "KeyField1", "KeyField2"});
+
+    // Sample data.
+    b.Method("DoesSampleDataExist", &C::DoesSampleDataExist);
+    b.Method("DeleteSampleData", &C::DeleteSampleData);
+
     AddEvents(b);
     return t;
   }();

@@ -44,6 +44,9 @@ const MemberTable& ClassTraits<QueryShapeNest>::Table() {
     b.Field("ShapeName", &C::ShapeName);
     b.Field("Title", &C::Title);
     b.Property(
+        "SortedOPFields", +[](C& c) { return c.SortedOPFields(); },
+        +[](C& c, std::shared_ptr<GeneralCollection> v) { c.SortedOPFields(std::move(v)); });
+    b.Property(
         "OutPutTables", +[](C& c) { return c.OutPutTables(); },
         +[](C& c, std::shared_ptr<QueryDataTables> v) { c.OutPutTables(std::move(v)); });
     b.Method("ClearTables", &C::ClearTables);
@@ -397,6 +400,43 @@ const MemberTable& ClassTraits<FieldLinks>::Table() {
              {"ID", "NullAction", "TypeOfControl", "ControlIndex", "ControlName", "DefaultValue",
               "DataType", "Caption", "sKey"});
     AddCollectionMembers(b);
+    return t;
+  }();
+  return table;
+}
+
+// The general keyed collection: any values (texts, numbers, objects) by
+// position or key; a shape level keeps its sorted output fields in one.
+const MemberTable& ClassTraits<GeneralCollection>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "KeyedCollection",
+        {"{90EFEC96-72A6-5F7B-A587-AACB755C60F8}", "{512CA490-2C27-56C4-B088-AD740B66CE96}", ""},
+        true, "An ordered collection of values with optional keys");
+    ClassBuilder<GeneralCollection> b(t);
+    using C = GeneralCollection;
+    b.Method("Add",
+             +[](C& c, const Variant& Item, OptKey Key) {
+               c.Add(std::make_shared<Variant>(Item), Key.value_or(""));
+             },
+             {"Item", "Key"});
+    b.Getter(
+        "Item", +[](C& c, const Variant& Index) { return *c.Item(ValueOf(Index)); }, {"Index"},
+        kDispIdValue);
+    b.Getter(
+        "Count", +[](C& c) { return c.Count(); });
+    b.Method("Remove", +[](C& c, const Variant& Index) { c.Remove(ValueOf(Index)); }, {"Index"});
+    b.Getter(
+        "NewEnum",
+        +[](C& c) {
+          std::vector<Variant> items;
+          for (const auto& member : c)
+            items.push_back(ToHost(*member));
+          return std::make_shared<Enumerator>(std::move(items));
+        },
+        {}, kDispIdNewEnum);
+    b.Method(
+        "Clear", +[](C& c) { c.Clear(); });
     return t;
   }();
   return table;

@@ -106,6 +106,7 @@ KELVARY_AUTOMATION_CLASS(FieldLink, "FieldLink")
 KELVARY_AUTOMATION_CLASS(FieldLinks, "FieldLinks")
 KELVARY_AUTOMATION_CLASS(Connection, "Connection")
 KELVARY_AUTOMATION_CLASS(Recordset, "Recordset")
+KELVARY_AUTOMATION_CLASS(GeneralCollection, "KeyedCollection")
 KELVARY_AUTOMATION_CLASS(internal::RecordsetFields, "Fields")
 KELVARY_AUTOMATION_CLASS(internal::RecordsetField, "Field")
 
