@@ -77,10 +77,12 @@ void SampleData::DeleteSampleData() {
 
   if (!cleared.empty() &&
       MsgBox("Reset the sample data marks of the data tables ?", vbYesNo) == vbYes) {
-    for (const SampleTable* table : cleared) {
-      services_.ExecuteSQL(pdssystem, "Update DataTables set FirstSampleDataID = 0 where ID = " +
-                                          std::to_string(table->id));
-    }
+    // One statement for every mark: they are reset together or not at all.
+    std::string ids;
+    for (const SampleTable* table : cleared)
+      ids += (ids.empty() ? "" : ", ") + std::to_string(table->id);
+    services_.ExecuteSQL(pdssystem,
+                         "Update DataTables set FirstSampleDataID = 0 where ID in (" + ids + ")");
   }
   services_.ExecuteSQL(pdsmaindata, "Delete from SelectedRecords");
   if (failed.empty()) {
