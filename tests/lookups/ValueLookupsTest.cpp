@@ -78,11 +78,10 @@ TEST_P(ValueLookupsTest, CorrespondingValueFromTextComparesWithLikeAndQuotes) {
   EXPECT_EQ(CLng(link_.GetCorrespondingValueFromText("North West%", "Cities", "ID", "Description",
                                                      pdsmaindata, "")),
             3);
-  if (Supports(Traits().desktop_like, "LIKE with * and without regard to case")) {
-    EXPECT_EQ(CLng(link_.GetCorrespondingValueFromText("north west*", "Cities", "ID", "Description",
-                                                       pdsmaindata, "")),
-              3);
-  }
+  // The desktop's LIKE: * as the wild card, without regard to case.
+  EXPECT_EQ(CLng(link_.GetCorrespondingValueFromText("north west*", "Cities", "ID", "Description",
+                                                     pdsmaindata, "")),
+            3);
   link_.GetCorrespondingValueFromText("Harbour", "", "ID", "Description", pdsmaindata,
                                       "Select ID from Cities");
   EXPECT_EQ(Selects().back(), "Select ID from Cities where Description Like  'Harbour'");
@@ -130,9 +129,7 @@ TEST_P(ValueLookupsTest, CheckListAttributeAndTableIdByName) {
   EXPECT_EQ(link_.GetTableIDFromName("Cities"), 1);
   EXPECT_EQ(Selects().back(), "select id from datatables where ValuesTable LIKE 'Cities'");
   EXPECT_EQ(link_.GetTableIDFromName("Drug%"), 5);  // a pattern
-  if (Supports(Traits().desktop_like, "LIKE without regard to case")) {
-    EXPECT_EQ(link_.GetTableIDFromName("drug%"), 5);
-  }
+  EXPECT_EQ(link_.GetTableIDFromName("drug%"), 5);  // without regard to case
   EXPECT_EQ(link_.GetTableIDFromName(""), 0);
   EXPECT_EQ(link_.GetTableIDFromName("Wards"), 0);
   ExpectMessages({"Use Dravent to define Wards"});

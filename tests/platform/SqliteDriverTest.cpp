@@ -115,6 +115,29 @@ TEST(SqliteDriver, DatesAndBooleansAreWrittenAsTheyAreStored) {
   EXPECT_EQ(First(db.Connection(), "SELECT d || flag FROM t WHERE ID = 1"), Variant("2024-03-010"));
 }
 
+// A column without a declared type whose every value is a date's stored text
+// (Min or Max of a DATE column) reads as dates, as on a server; one other
+// text among them keeps the column text.
+TEST(SqliteDriver, ColumnsComputedFromDatesReadAsDates) {
+  TestDatabase db;
+  db.Run(R"sql(
+    CREATE TABLE v (d DATE, t TEXT);
+    INSERT INTO v VALUES ('2024-03-05 10:30:00', '2024-03-05'), ('2023-01-29', 'later'),
+                         (NULL, NULL);
+  )sql");
+  auto rs = OpenRecordset(db.Connection(), "SELECT Min(d), Max(d), Max(t), Min(d) || 'x' FROM v");
+  const std::pair<DataTypeEnum, Variant> expected[] = {
+      {adDate, Variant(DateSerial(2023, 1, 29))},
+      {adDate, Variant(DateTimeOf(2024, 3, 5, 10, 30, 0))},
+      {adVarWChar, Variant("later")},
+      {adVarWChar, Variant("2023-01-29x")},
+  };
+  for (int32_t c = 0; c < rs->FieldCount(); ++c) {
+    EXPECT_EQ(rs->Fields(c).Type(), expected[c].first) << c;
+    EXPECT_EQ(rs->Fields(c).Value(), expected[c].second) << c;
+  }
+}
+
 TEST(SqliteDriver, DateLiteralsAndIsnullCallsAreRewrittenOutsideQuotedText) {
   using sqlite::RewriteDialect;
   EXPECT_EQ(RewriteDialect("SELECT * FROM v WHERE d >= #03/05/2024# AND d < #3/6/2024#"),
@@ -144,12 +167,13 @@ TEST(SqliteDriver, DialectFunctionsRunOnSqlite) {
       {"SELECT Month(DOB) * 10000 + Day(DOB) * 100 + Year(DOB) % 100 FROM patients WHERE ID = 2",
        Variant(int32_t{123175})},
       {"SELECT Month(NULL) IS NULL", Variant(int32_t{1})},
-      {"SELECT Now()", Variant("2024-03-05 14:07:09")},
-      {"SELECT Date()", Variant("2024-03-05")},
-      {"SELECT date('2024-01-31', '+1 day')", Variant("2024-02-01")},  // SQLite's own date(x)
-      {"SELECT TO_Date('05-Mar-2024','DD-Mon-YYYY')", Variant("2024-03-05")},
-      {"SELECT TO_Date('31/12/1999 23:15','DD/MM/YYYY HH24:MI')", Variant("1999-12-31 23:15:00")},
-      {"SELECT TO_Date('2024-03-05')", Variant("2024-03-05")},
+      {"SELECT Now()", Variant(DateTimeOf(2024, 3, 5, 14, 7, 9))},
+      {"SELECT Date()", Variant(DateSerial(2024, 3, 5))},
+      {"SELECT date('2024-01-31', '+1 day')", Variant(DateSerial(2024, 2, 1))},  // SQLite's own
+      {"SELECT TO_Date('05-Mar-2024','DD-Mon-YYYY')", Variant(DateSerial(2024, 3, 5))},
+      {"SELECT TO_Date('31/12/1999 23:15','DD/MM/YYYY HH24:MI')",
+       Variant(DateTimeOf(1999, 12, 31, 23, 15, 0))},
+      {"SELECT TO_Date('2024-03-05')", Variant(DateSerial(2024, 3, 5))},
       {"SELECT COUNT(*) FROM patients WHERE DOB >= #1/1/1990# AND DOB < #12/31/2010#",
        Variant(int32_t{3})},
       {"SELECT COUNT(*) FROM patients WHERE DOB < TO_Date('01-JAN-1985','DD-MON-YYYY')",

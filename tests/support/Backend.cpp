@@ -174,26 +174,62 @@ class SqliteBackend : public Backend {
   BackendTraits traits_{.name = "SQLite"};
 };
 
-// --- PostgreSQL through ODBC --------------------------------------------------
+// --- Servers through ODBC -----------------------------------------------------
 
-constexpr const char* kNoServer =
-    "KELVARY_TEST_ODBC_DSN is not set, so there is no PostgreSQL test server: "
-    "eval \"$(scripts/pg-test-server.sh start)\" starts one";
+// ServerKind: what differs between the servers in handing out and emptying
+// test databases.
+struct ServerKind {
+  const char* name;        // "PostgreSQL"
+  const char* dsn_env;     // the control data source's variable
+  const char* pool_env;    // the pool size's variable
+  const char* script;      // the script that starts a server
+  const char* try_lock;    // SQL taking slot {slot} without waiting: a true/1 row when taken
+  const char* unlock;      // SQL giving it back
+  const char* current_db;  // SQL naming the connection's database
+};
+
+constexpr ServerKind kPostgres{"PostgreSQL",
+                               "KELVARY_TEST_ODBC_DSN",
+                               "KELVARY_TEST_ODBC_POOL",
+                               "scripts/pg-test-server.sh",
+                               "SELECT pg_try_advisory_lock(4731, {slot})",
+                               "SELECT pg_advisory_unlock(4731, {slot})",
+                               "SELECT current_database()"};
+constexpr ServerKind kMariaDb{"MariaDB",
+                              "KELVARY_TEST_MARIADB_DSN",
+                              "KELVARY_TEST_MARIADB_POOL",
+                              "scripts/mariadb-test-server.sh",
+                              "SELECT GET_LOCK('kelvary_test_slot_{slot}', 0)",
+                              "SELECT RELEASE_LOCK('kelvary_test_slot_{slot}')",
+                              "SELECT DATABASE()"};
+
+std::string NoServer(const ServerKind& kind) {
+  return std::string(kind.dsn_env) + " is not set, so there is no " + kind.name +
+         " test server: eval \"$(" + kind.script + " start)\" starts one";
+}
 
 #ifdef KELVARY_HAVE_ODBC
 
-// PgPool: the slots of this process, taken on one control connection to the
-// data source KELVARY_TEST_ODBC_DSN. The connection lives as long as the
-// process (never freed on purpose: the server releases its locks when the
-// process ends, however it ends).
-class PgPool {
+std::string WithSlot(const char* sql, int slot) {
+  std::string text = sql;
+  const size_t at = text.find("{slot}");
+  return text.replace(at, 6, std::to_string(slot));
+}
+
+// ServerPool: the slots of this process on one server, taken on one control
+// connection to the kind's control data source. The connection lives as
+// long as the process (never freed on purpose: the server releases its
+// locks when the process ends, however it ends).
+class ServerPool {
  public:
-  static PgPool& Get() {
-    static PgPool* pool = new PgPool();
-    return *pool;
+  static ServerPool& Get(const ServerKind& kind) {
+    static ServerPool* postgres = new ServerPool(kPostgres);
+    static ServerPool* mariadb = new ServerPool(kMariaDb);
+    return &kind == &kPostgres ? *postgres : *mariadb;
   }
 
-  // Acquire: a free slot, its database created when it is not there yet.
+  // Acquire: a free slot, its database there and empty (PostgreSQL empties
+  // it on the slot's own connection, see ServerDatabase).
   int Acquire() {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
     const int first = static_cast<int>(::getpid() % size_);
@@ -201,15 +237,18 @@ class PgPool {
       for (int i = 0; i < size_; ++i) {
         const int slot = (first + i) % size_ + 1;
         if (held_.count(slot) != 0) continue;
-        if (!CBool(Scalar("SELECT pg_try_advisory_lock(" + std::string(kLockClass) + ", " +
-                          std::to_string(slot) + ")"))) {
-          continue;
-        }
+        const Variant taken = Scalar(WithSlot(kind_.try_lock, slot));
+        if (taken.IsNull() || !CBool(taken)) continue;
         held_.insert(slot);
         try {
           const std::string name = DatabaseName(slot);
-          if (CLng(Scalar("SELECT count(*) FROM pg_database WHERE datname = '" + name + "'")) ==
-              0) {
+          if (&kind_ == &kMariaDb) {
+            // A database is a folder of tables there: dropping and creating
+            // it again is the quickest way to empty it.
+            control_->Run("DROP DATABASE IF EXISTS " + name, {}, 0);
+            control_->Run("CREATE DATABASE " + name + " CHARACTER SET utf8mb4", {}, 0);
+          } else if (CLng(Scalar("SELECT count(*) FROM pg_database WHERE datname = '" + name +
+                                 "'")) == 0) {
             control_->Run("CREATE DATABASE " + name + " TEMPLATE template0", {}, 0);
           }
         } catch (...) {
@@ -219,9 +258,9 @@ class PgPool {
         return slot;
       }
       if (std::chrono::steady_clock::now() > deadline) {
-        throw std::runtime_error("all " + std::to_string(size_) +
-                                 " PostgreSQL test databases stayed busy for two minutes; "
-                                 "raise KELVARY_TEST_ODBC_POOL or run fewer tests at once");
+        throw std::runtime_error("all " + std::to_string(size_) + " " + kind_.name +
+                                 " test databases stayed busy for two minutes; raise " +
+                                 kind_.pool_env + " or run fewer tests at once");
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
@@ -229,27 +268,25 @@ class PgPool {
 
   void Release(int slot) {
     if (held_.erase(slot) == 0) return;
-    Scalar("SELECT pg_advisory_unlock(" + std::string(kLockClass) + ", " + std::to_string(slot) +
-           ")");
+    Scalar(WithSlot(kind_.unlock, slot));
   }
 
   std::string Dsn(int slot) const { return dsn_ + "_" + std::to_string(slot); }
   std::string DatabaseName(int slot) const { return database_ + "_" + std::to_string(slot); }
 
  private:
-  static constexpr const char* kLockClass = "4731";
-
-  PgPool() : dsn_(EnvOrEmpty("KELVARY_TEST_ODBC_DSN")) {
-    const std::string size = EnvOrEmpty("KELVARY_TEST_ODBC_POOL");
+  explicit ServerPool(const ServerKind& kind) : kind_(kind), dsn_(EnvOrEmpty(kind.dsn_env)) {
+    const std::string size = EnvOrEmpty(kind.pool_env);
     size_ = std::atoi(size.c_str());
     if (size_ <= 0) {
-      throw std::runtime_error(
-          "KELVARY_TEST_ODBC_POOL is not set: the shared suites need the pool of test data "
-          "sources " +
-          dsn_ + "_1, " + dsn_ + "_2, ... that scripts/pg-test-server.sh registers, and its size");
+      throw std::runtime_error(std::string(kind.pool_env) +
+                               " is not set: the shared suites need the pool of test data "
+                               "sources " +
+                               dsn_ + "_1, " + dsn_ + "_2, ... that " + kind.script +
+                               " registers, and its size");
     }
     control_ = OpenOdbcConnection("DSN=" + dsn_, "", "");
-    database_ = CStr(Scalar("SELECT current_database()"));
+    database_ = CStr(Scalar(kind.current_db));
   }
 
   Variant Scalar(const std::string& sql) {
@@ -258,6 +295,7 @@ class PgPool {
     return r.rows.Cell(0, 0);
   }
 
+  const ServerKind& kind_;
   std::string dsn_;
   std::string database_;
   int size_ = 0;
@@ -265,31 +303,33 @@ class PgPool {
   std::set<int> held_;
 };
 
-class PostgresDatabase : public BackendDatabase::Impl {
+class ServerDatabase : public BackendDatabase::Impl {
  public:
-  PostgresDatabase() : slot_(PgPool::Get().Acquire()) {
-    data_source_ = PgPool::Get().Dsn(slot_);
+  explicit ServerDatabase(const ServerKind& kind)
+      : pool_(ServerPool::Get(kind)), slot_(pool_.Acquire()) {
+    data_source_ = pool_.Dsn(slot_);
     try {
       connection_ = OpenClient(ConnectionString());
-      // Empty: whatever the slot's last test made lives in the public schema.
-      // Four times faster than dropping and creating the database.
-      connection_->Execute("DROP SCHEMA IF EXISTS public CASCADE");
-      connection_->Execute("CREATE SCHEMA public");
-      const std::string name =
-          CStr(connection_->Execute("SELECT current_database()")->Fields(0).Value());
-      if (name != PgPool::Get().DatabaseName(slot_)) {
+      if (&kind == &kPostgres) {
+        // Empty: whatever the slot's last test made lives in the public
+        // schema. Four times faster than dropping and creating the database.
+        connection_->Execute("DROP SCHEMA IF EXISTS public CASCADE");
+        connection_->Execute("CREATE SCHEMA public");
+      }
+      const std::string name = CStr(connection_->Execute(kind.current_db)->Fields(0).Value());
+      if (name != pool_.DatabaseName(slot_)) {
         throw std::runtime_error("the data source " + data_source_ + " names the database " + name +
-                                 ", not " + PgPool::Get().DatabaseName(slot_));
+                                 ", not " + pool_.DatabaseName(slot_));
       }
     } catch (...) {
-      PgPool::Get().Release(slot_);
+      pool_.Release(slot_);
       throw;
     }
   }
-  ~PostgresDatabase() override {
+  ~ServerDatabase() override {
     try {
       if (connection_ && connection_->State() == adStateOpen) connection_->Close();
-      PgPool::Get().Release(slot_);
+      pool_.Release(slot_);
     } catch (const std::exception& e) {
       ADD_FAILURE() << "giving back " << data_source_ << ": " << e.what();
     }
@@ -297,16 +337,19 @@ class PostgresDatabase : public BackendDatabase::Impl {
   std::string ConnectionString() const override { return "DSN=" + data_source_; }
 
  private:
+  ServerPool& pool_;
   int slot_;
 };
 
 #endif
 
-class PostgresBackend : public Backend {
+class ServerBackend : public Backend {
  public:
+  ServerBackend(const ServerKind& kind, BackendTraits traits)
+      : kind_(kind), traits_(std::move(traits)) {}
   const BackendTraits& Traits() const override { return traits_; }
   std::string SkipReason() const override {
-    if (EnvOrEmpty("KELVARY_TEST_ODBC_DSN").empty()) return kNoServer;
+    if (EnvOrEmpty(kind_.dsn_env).empty()) return NoServer(kind_);
 #ifndef KELVARY_HAVE_ODBC
     return "the library was built without ODBC (unixODBC's headers were not found)";
 #else
@@ -315,7 +358,7 @@ class PostgresBackend : public Backend {
   }
   BackendDatabase NewDatabase(const std::string&) const override {
 #ifdef KELVARY_HAVE_ODBC
-    return BackendDatabase(std::make_unique<PostgresDatabase>());
+    return BackendDatabase(std::make_unique<ServerDatabase>(kind_));
 #else
     throw std::runtime_error(SkipReason());
 #endif
@@ -325,32 +368,41 @@ class PostgresBackend : public Backend {
   }
 
  private:
-  BackendTraits traits_{.name = "PostgreSQL",
-                        .main_db_type = sdbOracle,
-                        .lower_case_names = true,
-                        .bare_messages = false,
-                        .desktop_like = false,
-                        .loose_types = false,
-                        .auto_key = "SERIAL PRIMARY KEY",
-                        .datetime_type = "TIMESTAMP",
-                        .count_type = adBigInt,
-                        .typed_aggregates = true,
-                        .keeps_table_order = false,
-                        .missing_table_text = "relation \"{table}\" does not exist",
-                        .not_null_text =
-                            "null value in column \"{column}\" of relation "
-                            "\"{table}\" violates not-null constraint",
-                        .sync_auto_key_sql =
-                            "SELECT setval(pg_get_serial_sequence('{table}', '{column}'), "
-                            "(SELECT max({column}) FROM {table}))"};
+  const ServerKind& kind_;
+  BackendTraits traits_;
 };
 
 }  // namespace
 
 const std::vector<const Backend*>& Backends() {
   static const SqliteBackend sqlite;
-  static const PostgresBackend postgres;
-  static const std::vector<const Backend*> all = {&sqlite, &postgres};
+  static const ServerBackend postgres(
+      kPostgres,
+      {.name = "PostgreSQL",
+       .main_db_type = sdbOracle,
+       .lower_case_names = true,
+       .bare_messages = false,
+       .loose_types = false,
+       .auto_key = "SERIAL PRIMARY KEY",
+       .datetime_type = "TIMESTAMP",
+       .count_type = adBigInt,
+       .keeps_table_order = false,
+       .missing_table_text = "relation \"{table}\" does not exist",
+       .not_null_text = "null value in column \"{column}\" of relation "
+                        "\"{table}\" violates not-null constraint",
+       .sync_auto_key_sql = "SELECT setval(pg_get_serial_sequence('{table}', '{column}'), "
+                            "(SELECT max({column}) FROM {table}))"});
+  static const ServerBackend mariadb(kMariaDb, {.name = "MariaDB",
+                                                .main_db_type = sdbAccess,
+                                                .bare_messages = false,
+                                                .loose_types = false,
+                                                .auto_key = "INTEGER AUTO_INCREMENT PRIMARY KEY",
+                                                .datetime_type = "DATETIME",
+                                                .count_type = adBigInt,
+                                                .keeps_table_order = false,
+                                                .missing_table_text = ".{table}' doesn't exist",
+                                                .not_null_text = "'{column}'"});
+  static const std::vector<const Backend*> all = {&sqlite, &postgres, &mariadb};
   return all;
 }
 

@@ -6,20 +6,23 @@
 //   SQLite      always: a database file in its own temporary folder;
 //   PostgreSQL  through ODBC, when KELVARY_TEST_ODBC_DSN names a data source
 //               (scripts/pg-test-server.sh starts a throw-away server and
-//               exports the settings); without one its instances skip with
-//               one line saying how to get one.
+//               exports the settings);
+//   MariaDB     through ODBC, when KELVARY_TEST_MARIADB_DSN names one
+//               (scripts/mariadb-test-server.sh);
+// without its server a backend's instances skip with one line saying how to
+// get one.
 //
-// Isolation on PostgreSQL: the library opens its own connections, by a
+// Isolation on a server: the library opens its own connections, by a
 // data-source name or an ODBC string, so every test database is a database
-// of its own with a data-source name of its own. scripts/pg-test-server.sh
-// registers a pool of them, <DSN>_1 .. <DSN>_<KELVARY_TEST_ODBC_POOL>, the
-// n-th naming the database <control database>_n. A test takes free slots
-// (a session advisory lock held on one control connection per process, so a
-// crashed process frees its slots), empties each slot's database (creating
-// it on first use; emptying drops and creates again its public schema, where
-// everything a test makes lives) and runs its SQL there; the slot is given
-// back when the database object goes. Processes running in parallel never
-// share a slot.
+// of its own with a data-source name of its own. The server scripts register
+// a pool of them, <DSN>_1 .. <DSN>_<pool size>, the n-th naming the database
+// <control database>_n. A test takes free slots (a session lock held on one
+// control connection per process: PostgreSQL's advisory locks, MariaDB's
+// named locks; a crashed process frees its slots), empties each slot's
+// database (PostgreSQL: drops and creates again its public schema, where
+// everything a test makes lives; MariaDB: drops and creates the database)
+// and runs its SQL there; the slot is given back when the database object
+// goes. Processes running in parallel never share a slot.
 //
 // BackendDatabase and the backends are used by one thread.
 #pragma once
@@ -45,11 +48,12 @@ namespace kelvary::testing {
 // system's own text cannot run on a backend the suites skip that case with
 // the reason below.
 struct BackendTraits {
-  // Name: "SQLite" or "PostgreSQL"; the suffix of the tests' names.
+  // Name: "SQLite", "PostgreSQL" or "MariaDB"; the suffix of the tests' names.
   std::string name;
-  // MainDBType: the dialect the service object is set to. The Access dialect
-  // (#m/d/yyyy# dates, + joining text, Ucase$) runs on the embedded default
-  // only; PostgreSQL runs the Oracle one (TO_Date, ||).
+  // MainDBType: the dialect the service object is set to. Every engine runs
+  // every dialect (the drivers translate); the servers take one each, so
+  // that both are exercised on a server: PostgreSQL the Oracle one (TO_Date,
+  // ||), MariaDB the Access one (#m/d/yyyy# dates, Ucase$).
   StdDBTypes main_db_type = sdbAccess;
   // LowerCaseNames: unquoted names are folded to lower case, so column and
   // table names come back in lower case whatever case the SQL used.
@@ -57,10 +61,6 @@ struct BackendTraits {
   // BareMessages: an error's description is the engine's message as it
   // stands; through ODBC the driver adds its own words around it.
   bool bare_messages = true;
-  // DesktopLike: LIKE takes * and ? as wildcards and ignores case, as the
-  // desktop database does. Without it the system's "*" patterns and its
-  // patterns in another case match nothing.
-  bool desktop_like = true;
   // LooseTypes: a column takes a value of any type and keeps it (text in an
   // integer column, 0 and 1 for booleans); a column may be declared without
   // a type.
@@ -73,9 +73,6 @@ struct BackendTraits {
   std::string datetime_type = "DATE";
   // CountType: the type COUNT(*) and other whole-number aggregates read as.
   DataTypeEnum count_type = adInteger;
-  // TypedAggregates: MIN, MAX and the like over a column keep its type (a
-  // date stays a Date). SQLite gives the stored value: a date's ISO text.
-  bool typed_aggregates = false;
   // KeepsTableOrder: a statement without ORDER BY returns the rows in the
   // order they were inserted (SQLite); PostgreSQL's hash joins and hash
   // aggregates return another order.
@@ -164,7 +161,7 @@ class BackendTest : public ::testing::TestWithParam<const Backend*> {
   // Supports: whether the backend has what one case of a test checks
   // (a BackendTraits flag); when it has not, says so in one line naming the
   // reason, so that the case is seen to be left out, not silently passed.
-  //   if (Supports(Traits().desktop_like, "LIKE with * patterns")) { ... }
+  //   if (Supports(Traits().loose_types, "text in an integer column")) { ... }
   bool Supports(bool has, std::string_view reason) const;
   // EngineMessage: matches an error description that is the engine's
   // message (after prefix): the whole of it where the backend's messages are

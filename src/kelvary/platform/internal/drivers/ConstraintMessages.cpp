@@ -43,6 +43,15 @@ std::vector<std::string> ServerConstraintColumns(std::string_view message) {
     const size_t close = message.find('"', start);
     if (close != std::string_view::npos) names.emplace_back(message.substr(start, close - start));
   }
+  // MariaDB and MySQL: Column 'col' cannot be null, Field 'col' doesn't have
+  // a default value.
+  for (const std::string_view lead : {"Column '", "Field '"}) {
+    const size_t from = message.find(lead);
+    if (from == std::string_view::npos) continue;
+    const size_t start = from + lead.size();
+    const size_t close = message.find('\'', start);
+    if (close != std::string_view::npos) names.emplace_back(message.substr(start, close - start));
+  }
   const size_t key = message.find("Key (");
   if (key != std::string_view::npos) {
     const size_t close = message.find(")=", key);

@@ -17,7 +17,8 @@ std::vector<std::string> SqliteConstraintColumns(std::string_view message);
 
 // ServerConstraintColumns: PostgreSQL's wording, as it reaches a client
 // directly or through ODBC: a column as column "col" (not null), a key as
-// Key (a, b)=(...) in the detail line (unique, foreign key).
+// Key (a, b)=(...) in the detail line (unique, foreign key); MariaDB's:
+// Column 'col' cannot be null, Field 'col' doesn't have a default value.
 std::vector<std::string> ServerConstraintColumns(std::string_view message);
 
 }  // namespace kelvary::internal

@@ -12,6 +12,7 @@
 #include "kelvary/platform/internal/drivers/ConstraintMessages.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcConnection.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcDialect.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcParameters.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcResult.h"
 
@@ -19,19 +20,7 @@ namespace kelvary {
 namespace {
 
 using odbc::Check;
-
-enum class Dbms { kOther, kPostgreSQL, kSqlServer, kMySql, kSqlite };
-
-Dbms DbmsOf(const std::string& name) {
-  const std::string lower = LowerCase(name);
-  if (lower.find("postgres") != std::string::npos) return Dbms::kPostgreSQL;
-  if (lower.find("sql server") != std::string::npos) return Dbms::kSqlServer;
-  if (lower.find("mysql") != std::string::npos || lower.find("mariadb") != std::string::npos) {
-    return Dbms::kMySql;
-  }
-  if (lower.find("sqlite") != std::string::npos) return Dbms::kSqlite;
-  return Dbms::kOther;
-}
+using odbc::ServerKind;
 
 // The first word of a statement, upper-cased, past blanks and comments.
 std::string FirstKeyword(std::string_view sql) {
@@ -108,10 +97,12 @@ class OdbcConnection final : public DriverConnection {
   std::vector<std::string> KeyColumns(const std::string& table) override;
   Variant LastInsertedKey(const std::string& table, const std::string& key_column) override;
   // A constraint failure is SQLSTATE class 23; the SQLite ODBC driver says
-  // so in its message only, in SQLite's words.
+  // so in its message only, in SQLite's words, and MariaDB reports a NOT
+  // NULL column an INSERT left out under HY000 (its error 1364).
   bool IsConstraintViolation(const Error& error) const override {
     return DriverConnection::IsConstraintViolation(error) ||
-           error.Description().find("constraint failed") != std::string::npos;
+           error.Description().find("constraint failed") != std::string::npos ||
+           (server_ == ServerKind::kMySql && error.NativeError() == 1364);
   }
   std::vector<std::string> ConstraintColumns(const Error& error) const override {
     if (error.Description().find("constraint failed") != std::string::npos) {
@@ -131,16 +122,22 @@ class OdbcConnection final : public DriverConnection {
                                          bool quoted);
   std::vector<std::string> CatalogKeys(const std::string& schema, const std::string& table);
   void MarkKeyColumns(RowSet& rows, const std::vector<std::string>& schemas);
+  // ReadYesNoColumns: MariaDB and MySQL keep BOOLEAN as TINYINT(1), and
+  // their ODBC driver reports it as any tinyint; the catalog's column type
+  // tells, and such a column reads as Boolean, as it does elsewhere.
+  void ReadYesNoColumns(RowSet& rows);
+  const std::vector<std::string>& YesNoColumnsOf(const std::string& table);
   Variant FirstValue(const std::string& sql, const std::vector<Variant>& params);
 
   odbc::EnvHandle env_;
   odbc::DbcHandle dbc_;
   bool connected_ = false;
-  Dbms dbms_ = Dbms::kOther;
+  ServerKind server_ = ServerKind::kOther;
   odbc::FetchCapabilities capabilities_;
   bool in_transaction_ = false;
   int32_t query_timeout_ = 0;  // seconds, for servers without a lock wait setting
-  std::unordered_map<std::string, std::vector<std::string>> keys_;  // by lower-case schema.table
+  std::unordered_map<std::string, std::vector<std::string>> keys_;    // by lower-case schema.table
+  std::unordered_map<std::string, std::vector<std::string>> yes_no_;  // by lower-case table
 };
 
 OdbcConnection::OdbcConnection(const std::string& connection_string, const std::string& user,
@@ -171,7 +168,18 @@ OdbcConnection::OdbcConnection(const std::string& connection_string, const std::
                         nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   if (!SQL_SUCCEEDED(rc)) odbc::ThrowDiagnostics(SQL_HANDLE_DBC, dbc, "SQLDriverConnect");
   connected_ = true;
-  dbms_ = DbmsOf(odbc::InfoText(dbc, SQL_DBMS_NAME));
+  server_ = odbc::ServerKindOf(odbc::InfoText(dbc, SQL_DBMS_NAME));
+  if (server_ == ServerKind::kMySql) {
+    // The Oracle dialect joins text with ||, the system doubles only
+    // apostrophes in the literals it writes (a backslash is a character),
+    // and names are quoted with "" as elsewhere. Reads see what others
+    // committed, as on PostgreSQL: without gap locks, two sessions that both
+    // find no row and both insert one meet on the key, not in a deadlock.
+    Run("SET SESSION sql_mode = CONCAT(@@SESSION.sql_mode, "
+        "',PIPES_AS_CONCAT,NO_BACKSLASH_ESCAPES,ANSI_QUOTES')",
+        {}, 0);
+    Run("SET SESSION TRANSACTION ISOLATION LEVEL READ COMMITTED", {}, 0);
+  }
   if (strategy == odbc::FetchStrategy::kBest) capabilities_ = odbc::ProbeFetchCapabilities(dbc);
 }
 
@@ -204,18 +212,20 @@ StatementResult OdbcConnection::Run(const std::string& sql, const std::vector<Va
                    reinterpret_cast<SQLPOINTER>(static_cast<SQLULEN>(query_timeout_)), 0);
   }
 
-  std::u16string wide = odbc::Widen(sql);
+  // The server gets the system's text in its own dialect; errors name both.
+  const std::string sent = odbc::TranslateForServer(sql, server_);
+  std::u16string wide = odbc::Widen(sent);
   const auto length = static_cast<SQLINTEGER>(wide.size());
   SQLRETURN rc;
   std::optional<odbc::ParameterBinder> binder;
   if (params.empty()) {
     rc = SQLExecDirectW(h, odbc::WidePtr(wide), length);
   } else {
-    Check(SQLPrepareW(h, odbc::WidePtr(wide), length), SQL_HANDLE_STMT, h, "SQLPrepare", sql);
+    Check(SQLPrepareW(h, odbc::WidePtr(wide), length), SQL_HANDLE_STMT, h, "SQLPrepare", sql, sent);
     binder.emplace(h, params, sql);
     rc = SQLExecute(h);
   }
-  Check(rc, SQL_HANDLE_STMT, h, "SQLExecute", sql);
+  Check(rc, SQL_HANDLE_STMT, h, "SQLExecute", sql, sent);
 
   StatementResult result;
   SQLSMALLINT columns = 0;
@@ -228,12 +238,16 @@ StatementResult OdbcConnection::Run(const std::string& sql, const std::vector<Va
         odbc::ReadResult(h, capabilities_, max_rows, sql, result.rows);
     stmt.Reset();  // the catalog look-ups below run on statements of their own
     MarkKeyColumns(result.rows, schemas);
+    if (server_ == ServerKind::kMySql) ReadYesNoColumns(result.rows);
     return result;
   }
   SQLLEN affected = 0;
   if (rc != SQL_NO_DATA && !SQL_SUCCEEDED(SQLRowCount(h, &affected))) affected = -1;
   result.records_affected = affected;
-  if (ChangesSchema(sql)) keys_.clear();
+  if (ChangesSchema(sql)) {
+    keys_.clear();
+    yes_no_.clear();
+  }
   return result;
 }
 
@@ -365,6 +379,42 @@ void OdbcConnection::MarkKeyColumns(RowSet& rows, const std::vector<std::string>
   }
 }
 
+void OdbcConnection::ReadYesNoColumns(RowSet& rows) {
+  const size_t width = rows.columns.size();
+  for (size_t c = 0; c < width; ++c) {
+    ColumnInfo& column = rows.columns[c];
+    if ((column.type != adTinyInt && column.type != adUnsignedTinyInt) ||
+        column.base_table.empty()) {
+      continue;
+    }
+    const std::vector<std::string>& yes_no = YesNoColumnsOf(column.base_table);
+    if (std::none_of(yes_no.begin(), yes_no.end(), [&](const std::string& name) {
+          return EqualsNoCase(name, column.base_column);
+        })) {
+      continue;
+    }
+    column.type = adBoolean;
+    column.defined_size = 2;
+    for (size_t i = c; i < rows.cells.size(); i += width) {
+      Variant& cell = rows.cells[i];
+      if (!cell.IsNull()) cell = Variant(CLng(cell) != 0);
+    }
+  }
+}
+
+const std::vector<std::string>& OdbcConnection::YesNoColumnsOf(const std::string& table) {
+  const std::string cache_key = LowerCase(table);
+  if (const auto found = yes_no_.find(cache_key); found != yes_no_.end()) return found->second;
+  std::vector<std::string> names;
+  const StatementResult r = Run(
+      "SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA = DATABASE() "
+      "AND TABLE_NAME = ? AND (COLUMN_TYPE = 'tinyint(1)' OR COLUMN_TYPE = 'tinyint(1) unsigned')",
+      {Variant(table)}, 0);
+  for (size_t row = 0; row < r.rows.RowCount(); ++row)
+    names.push_back(TextOf(r.rows.Cell(row, 0)));
+  return yes_no_.emplace(cache_key, std::move(names)).first->second;
+}
+
 Variant OdbcConnection::FirstValue(const std::string& sql, const std::vector<Variant>& params) {
   const StatementResult result = Run(sql, params, 1);
   if (!result.has_rows || result.rows.RowCount() == 0 || result.rows.cells.front().IsNull()) {
@@ -375,16 +425,16 @@ Variant OdbcConnection::FirstValue(const std::string& sql, const std::vector<Var
 
 Variant OdbcConnection::LastInsertedKey(const std::string& table, const std::string& key_column) {
   Dbc();
-  switch (dbms_) {
-    case Dbms::kSqlServer:
+  switch (server_) {
+    case ServerKind::kSqlServer:
       return FirstValue("SELECT @@IDENTITY", {});
-    case Dbms::kMySql:
+    case ServerKind::kMySql:
       return FirstValue("SELECT LAST_INSERT_ID()", {});
-    case Dbms::kSqlite:
+    case ServerKind::kSqlite:
       return FirstValue("SELECT last_insert_rowid()", {});
-    case Dbms::kOther:
+    case ServerKind::kOther:
       return Variant();
-    case Dbms::kPostgreSQL:
+    case ServerKind::kPostgreSQL:
       break;
   }
   // The sequence behind a serial or identity column. pg_get_serial_sequence
@@ -413,21 +463,21 @@ Variant OdbcConnection::LastInsertedKey(const std::string& table, const std::str
 void OdbcConnection::SetBusyTimeout(int32_t seconds) {
   Dbc();
   seconds = std::max(seconds, 0);
-  switch (dbms_) {
-    case Dbms::kPostgreSQL:
+  switch (server_) {
+    case ServerKind::kPostgreSQL:
       Run("SET lock_timeout = " + std::to_string(int64_t{seconds} * 1000), {}, 0);
       return;
-    case Dbms::kSqlServer:
+    case ServerKind::kSqlServer:
       Run("SET LOCK_TIMEOUT " + std::to_string(seconds == 0 ? -1 : int64_t{seconds} * 1000), {}, 0);
       return;
-    case Dbms::kMySql:
+    case ServerKind::kMySql:
       // One year is the longest wait the server accepts.
       Run("SET SESSION innodb_lock_wait_timeout = " +
               std::to_string(seconds == 0 ? 31536000 : seconds),
           {}, 0);
       return;
-    case Dbms::kSqlite:
-    case Dbms::kOther:
+    case ServerKind::kSqlite:
+    case ServerKind::kOther:
       query_timeout_ = seconds;
       return;
   }
@@ -435,6 +485,7 @@ void OdbcConnection::SetBusyTimeout(int32_t seconds) {
 
 void OdbcConnection::Close() {
   keys_.clear();
+  yes_no_.clear();
   if (connected_) {
     connected_ = false;
     if (in_transaction_) {

@@ -5,6 +5,12 @@
 //
 // What it does on top of plain ODBC, so that the cursor engine above gets
 // the same behaviour as from the SQLite driver:
+// - The system's SQL (the desktop dialect, some of Oracle's) is translated
+//   for the server, known from the driver's DBMS name, in the copy sent
+//   only (internal/OdbcDialect.h); a refused statement's Error names the
+//   system's text as its statement and the text sent in its description.
+//   On MariaDB and MySQL the session takes PIPES_AS_CONCAT and
+//   NO_BACKSLASH_ESCAPES.
 // - Text crosses ODBC as UTF-16 and reaches the library as UTF-8.
 // - Rows are fetched with bound column arrays a block at a time (see
 //   internal/OdbcResult.h for the types and values each column gets).
@@ -24,9 +30,14 @@
 // - Transactions switch autocommit off until the commit or rollback;
 //   nesting is refused.
 //
+// - Yes/no columns read as Boolean everywhere: MariaDB's and MySQL's
+//   BOOLEAN (a TINYINT(1), which their driver reports as any tinyint) is
+//   found in the catalog, once per table.
+//
 // For PostgreSQL through psqlodbc, configure the data source with
 // BoolsAsChar=0 (so that booleans read as Boolean, not text) and with Debug=0
-// and CommLog=0 (the driver's logs slow every call).
+// and CommLog=0 (the driver's logs slow every call). For MariaDB, with
+// Option=2 (an UPDATE counts the rows it matched, as write-back expects).
 //
 // A connection is used by one thread at a time.
 #pragma once

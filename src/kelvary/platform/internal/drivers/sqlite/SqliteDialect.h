@@ -14,11 +14,11 @@
 // driver stores dates in, so they compare with stored dates as text.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "kelvary/platform/Date.h"
+#include "kelvary/platform/internal/DesktopDialect.h"
 
 struct sqlite3;
 
@@ -28,13 +28,13 @@ namespace kelvary::sqlite {
 // (see ParseDate) replaced by its ISO text in apostrophes, and every call
 // Isnull(...) renamed kelvary_isnull(...) (ISNULL is a word of SQLite's
 // own: "x ISNULL"). Text in '...', "...", [...] and `...`, and comments,
-// is left alone, as is a #...# that is no date.
+// is left alone, as is a #...# that is no date. The recognition is the one
+// every driver shares (internal/DesktopDialect.h).
 std::string RewriteDialect(std::string_view sql);
 
-// ParseOracleDate: text read with an Oracle date picture (DD, MM, MON,
-// MONTH, YY, YYYY, RR, RRRR, HH, HH12, HH24, MI, SS, AM, PM; other picture
-// characters match any punctuation). nullopt when it does not fit.
-std::optional<Date> ParseOracleDate(std::string_view text, std::string_view picture);
+// ParseOracleDate reads TO_Date's text with its picture, here and in the
+// ODBC driver alike.
+using internal::ParseOracleDate;
 
 // RegisterDialectFunctions: the functions and LIKE above, on db. Returns
 // SQLite's result code.

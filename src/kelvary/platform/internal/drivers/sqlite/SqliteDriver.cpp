@@ -187,6 +187,22 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
   }
 }
 
+// SettleDates turns the texts of column c into Dates when every one of
+// them is a date's ISO text (an aggregate or function of dates); false,
+// changing nothing, when one is not.
+bool SettleDates(RowSet& rows, size_t c) {
+  const size_t width = rows.columns.size();
+  for (size_t i = c; i < rows.cells.size(); i += width) {
+    const Variant& cell = rows.cells[i];
+    if (cell.Type() == vbString && !IsoDateValue(*cell.Get<std::string>())) return false;
+  }
+  for (size_t i = c; i < rows.cells.size(); i += width) {
+    Variant& cell = rows.cells[i];
+    if (cell.Type() == vbString) cell = Variant(*IsoDateValue(*cell.Get<std::string>()));
+  }
+  return true;
+}
+
 // SettleDynamicTypes gives a column without a declared type the type its
 // values have.
 void SettleDynamicTypes(RowSet& rows, const std::vector<ValueKind>& kinds) {
@@ -213,7 +229,9 @@ void SettleDynamicTypes(RowSet& rows, const std::vector<ValueKind>& kinds) {
       }
     }
     DataTypeEnum type = adVarWChar;
-    if (!text) {
+    if (text && !whole && !big && !fraction && SettleDates(rows, c)) {
+      type = adDate;
+    } else if (!text) {
       if (fraction) {
         type = adDouble;
       } else if (big) {

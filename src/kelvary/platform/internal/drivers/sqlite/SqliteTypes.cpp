@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/internal/DesktopDialect.h"
 
 namespace kelvary::sqlite {
 
@@ -48,7 +49,18 @@ DeclaredType MapDeclaredType(std::string_view declared) {
 }
 
 std::string IsoDateText(Date d) {
-  return HasTime(d) ? Format(d, "yyyy-mm-dd hh:nn:ss") : Format(d, "yyyy-mm-dd");
+  return internal::IsoDateText(d);
+}
+
+std::optional<Date> IsoDateValue(std::string_view text) {
+  // yyyy-mm-dd, or yyyy-mm-dd hh:mm:ss
+  static constexpr std::string_view kShape = "dddd-dd-dd dd:dd:dd";
+  if (text.size() != 10 && text.size() != kShape.size()) return std::nullopt;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const bool digit = std::isdigit(static_cast<unsigned char>(text[i])) != 0;
+    if ((kShape[i] == 'd') != digit || (!digit && text[i] != kShape[i])) return std::nullopt;
+  }
+  return ParseDate(text);
 }
 
 }  // namespace kelvary::sqlite

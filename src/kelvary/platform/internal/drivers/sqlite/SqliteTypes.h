@@ -23,6 +23,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -58,5 +59,9 @@ DeclaredType MapDeclaredType(std::string_view declared);
 // IsoDateText: a date as stored: "yyyy-mm-dd", or "yyyy-mm-dd hh:mm:ss"
 // when it carries a time of day.
 std::string IsoDateText(Date d);
+
+// IsoDateValue: the date text holds in exactly the form IsoDateText writes;
+// nullopt for any other text.
+std::optional<Date> IsoDateValue(std::string_view text);
 
 }  // namespace kelvary::sqlite

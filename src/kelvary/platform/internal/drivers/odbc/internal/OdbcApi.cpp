@@ -115,7 +115,7 @@ StmtHandle AllocateStatement(SQLHDBC dbc) {
 }
 
 void ThrowDiagnostics(SQLSMALLINT handle_type, SQLHANDLE handle, std::string_view what,
-                      const std::string& statement) {
+                      const std::string& statement, std::string_view sent) {
   const std::vector<DiagnosticRecord> records = ReadDiagnostics(handle_type, handle);
   std::string description;
   for (const DiagnosticRecord& record : records) {
@@ -124,6 +124,11 @@ void ThrowDiagnostics(SQLSMALLINT handle_type, SQLHANDLE handle, std::string_vie
     description += record.message;
   }
   if (description.empty()) description = std::string(what) + " failed";
+  if (!statement.empty() && !records.empty()) {
+    description += "\nSQLSTATE " + records.front().state;
+    if (!sent.empty() && sent != statement)
+      description += "; sent to the server as: " + std::string(sent);
+  }
   Error error(kErrProviderFailure, description, "ODBC");
   if (!records.empty())
     error.WithSqlState(records.front().state).WithNativeError(records.front().native);

@@ -68,16 +68,19 @@ StmtHandle AllocateStatement(SQLHDBC dbc);
 // ThrowDiagnostics raises the Error for a failed call: the driver's messages
 // (every diagnostic record, in order), the first record's SQLSTATE and native
 // code, and the statement text when there is one. what names the call, for
-// the rare failure that leaves no record.
+// the rare failure that leaves no record. For a failed statement the
+// description ends with a line naming the SQLSTATE and, when the server was
+// sent a translation of the statement (sent, not empty and not the
+// statement), that translation: the message shown then holds both texts.
 [[noreturn]] void ThrowDiagnostics(SQLSMALLINT handle_type, SQLHANDLE handle, std::string_view what,
-                                   const std::string& statement = "");
+                                   const std::string& statement = "", std::string_view sent = "");
 
 // Check passes success (with or without information) and SQL_NO_DATA, and
 // throws for anything else.
 inline void Check(SQLRETURN rc, SQLSMALLINT handle_type, SQLHANDLE handle, std::string_view what,
-                  const std::string& statement = "") {
+                  const std::string& statement = "", std::string_view sent = "") {
   if (rc == SQL_SUCCESS || rc == SQL_SUCCESS_WITH_INFO || rc == SQL_NO_DATA) return;
-  ThrowDiagnostics(handle_type, handle, what, statement);
+  ThrowDiagnostics(handle_type, handle, what, statement, sent);
 }
 
 // Widen: UTF-8 to UTF-16; a byte sequence that is not UTF-8 becomes U+FFFD.

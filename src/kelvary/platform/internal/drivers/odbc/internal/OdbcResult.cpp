@@ -131,6 +131,12 @@ ColumnPlan PlanColumn(SQLSMALLINT sql_type, SQLULEN size, SQLSMALLINT digits, bo
       break;
     case SQL_NUMERIC:
     case SQL_DECIMAL: {
+      if (digits == 0 && size > 19 && info.base_table.empty()) {
+        // A whole-number expression wider than any column: MariaDB's SUM of
+        // integers, which other engines give as a big integer.
+        fixed(adBigInt, Kind::kInt64, SQL_C_SBIGINT, 8, 8);
+        break;
+      }
       // Up to 19 digits: a server's money type is DECIMAL(19,4).
       const bool currency = digits >= 0 && digits <= 4 && size > 0 && size <= 19;
       fixed(adNumeric, currency ? Kind::kNumericCurrency : Kind::kNumericDouble, SQL_C_CHAR,
