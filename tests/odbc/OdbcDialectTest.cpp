@@ -199,14 +199,25 @@ TEST_P(OdbcDialectOnServer, ARejectedStatementKeepsTheServersMessageAndBothTexts
                                          " WHERE born > {d '2000-01-01'}"));
 }
 
-TEST_P(OdbcDialectOnServer, YesNoAndDateColumnsReadAsBooleanAndDate) {
-  const StatementResult r = Exec("SELECT insured, born, Min(seen) FROM " + table_ +
-                                 " WHERE id = 1 GROUP BY insured, born");
+// Yes/no as Boolean, dates as Date, counts and sums of integers as Long
+// when they fit (as on the embedded default), else as LongLong.
+TEST_P(OdbcDialectOnServer, ValuesReadAsOnTheEmbeddedDefault) {
+  const StatementResult r =
+      Exec("SELECT insured, born, Min(seen), COUNT(*), SUM(id), SUM(id) * 3000000000 FROM " +
+           table_ + " WHERE id = 1 GROUP BY insured, born");
   ASSERT_EQ(r.rows.RowCount(), 1u);
-  EXPECT_EQ(r.rows.columns[0].type, adBoolean);
-  EXPECT_EQ(r.rows.Cell(0, 0), Variant(true));
-  EXPECT_EQ(r.rows.Cell(0, 1), Variant(DateSerial(1950, 1, 1)));
-  EXPECT_EQ(r.rows.Cell(0, 2), Variant(DateTimeOf(2024, 3, 5, 10, 30, 0)));
+  const std::pair<DataTypeEnum, Variant> expected[] = {
+      {adBoolean, Variant(true)},
+      {adDate, Variant(DateSerial(1950, 1, 1))},
+      {adDBTimeStamp, Variant(DateTimeOf(2024, 3, 5, 10, 30, 0))},
+      {adInteger, Variant(int32_t{1})},
+      {adInteger, Variant(int32_t{1})},
+      {adBigInt, Variant(int64_t{3000000000})},
+  };
+  for (size_t c = 0; c < std::size(expected); ++c) {
+    EXPECT_EQ(r.rows.columns[c].type, expected[c].first) << c;
+    EXPECT_EQ(r.rows.Cell(0, c), expected[c].second) << c;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(, OdbcDialectOnServer,

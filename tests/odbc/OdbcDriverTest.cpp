@@ -83,7 +83,7 @@ TEST_F(OdbcRun, FailuresCarryTheServersMessageSqlStateAndStatement) {
   e = ErrorOf([&] { Exec("INSERT INTO " + t + " VALUES (?)", {Variant(int32_t{1})}); });
   EXPECT_EQ(e.SqlState(), "23505");
   // The connection stays usable after a failure.
-  EXPECT_EQ(Exec("SELECT count(*) FROM " + t).rows.Cell(0, 0), Variant(int64_t{1}));
+  EXPECT_EQ(Exec("SELECT count(*) FROM " + t).rows.Cell(0, 0), Variant(int32_t{1}));
 }
 
 TEST_F(OdbcRun, ColumnTypesAndValuesMapToTheClassicCodes) {
@@ -285,7 +285,7 @@ TEST_F(OdbcRun, LastInsertedKeyIsTheGeneratedKeyOfThisSession) {
   Exec("INSERT INTO " + fresh + " (name) VALUES ('x')");
   EXPECT_EQ(CLng(Db().LastInsertedKey(fresh, "id")), 1);
   Db().CommitTransaction();
-  EXPECT_EQ(Exec("SELECT count(*) FROM " + fresh).rows.Cell(0, 0), Variant(int64_t{1}));
+  EXPECT_EQ(Exec("SELECT count(*) FROM " + fresh).rows.Cell(0, 0), Variant(int32_t{1}));
 }
 
 TEST_F(OdbcRun, TransactionsCommitOrRollBack) {

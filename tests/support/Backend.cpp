@@ -66,7 +66,7 @@ std::string BackendTraits::Name(std::string_view written) const {
 }
 
 Variant BackendTraits::Count(int64_t n) const {
-  return count_type == adBigInt ? Variant(n) : Variant(static_cast<int32_t>(n));
+  return Variant(static_cast<int32_t>(n));
 }
 
 std::string BackendTraits::MissingTable(const std::string& table) const {
@@ -385,7 +385,6 @@ const std::vector<const Backend*>& Backends() {
        .loose_types = false,
        .auto_key = "SERIAL PRIMARY KEY",
        .datetime_type = "TIMESTAMP",
-       .count_type = adBigInt,
        .keeps_table_order = false,
        .missing_table_text = "relation \"{table}\" does not exist",
        .not_null_text = "null value in column \"{column}\" of relation "
@@ -398,7 +397,6 @@ const std::vector<const Backend*>& Backends() {
                                                 .loose_types = false,
                                                 .auto_key = "INTEGER AUTO_INCREMENT PRIMARY KEY",
                                                 .datetime_type = "DATETIME",
-                                                .count_type = adBigInt,
                                                 .keeps_table_order = false,
                                                 .missing_table_text = ".{table}' doesn't exist",
                                                 .not_null_text = "'{column}'"});

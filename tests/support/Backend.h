@@ -71,8 +71,6 @@ struct BackendTraits {
   // DateTimeType: the column type that keeps a date with its time of day
   // (the desktop database's Date/Time); PostgreSQL's DATE drops the time.
   std::string datetime_type = "DATE";
-  // CountType: the type COUNT(*) and other whole-number aggregates read as.
-  DataTypeEnum count_type = adInteger;
   // KeepsTableOrder: a statement without ORDER BY returns the rows in the
   // order they were inserted (SQLite); PostgreSQL's hash joins and hash
   // aggregates return another order.
@@ -88,7 +86,8 @@ struct BackendTraits {
 
   // Name: a column or table name as the database reports it back.
   std::string Name(std::string_view written) const;
-  // Count: n as COUNT(*) reads back.
+  // Count: n as COUNT(*) reads back: a Long on every engine (the servers'
+  // BIGINT counts are narrowed by the ODBC driver when they fit).
   Variant Count(int64_t n) const;
   // MissingTable, NotNullFailed, SyncAutoKey: the texts above for a table
   // and column.

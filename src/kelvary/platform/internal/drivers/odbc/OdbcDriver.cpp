@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -81,6 +82,32 @@ TableName ParseTableName(std::string_view text) {
   if (parts.size() >= 2) name.schema = parts[parts.size() - 2];
   name.quoted = quoted;
   return name;
+}
+
+// NarrowWholeExpressions: a big-integer column computed by the statement
+// (COUNT, SUM of integers: BIGINT on the servers) whose every value fits a
+// Long reads as Long, as the same column does on the embedded default and
+// the desktop database. Columns of a table keep their declared type.
+void NarrowWholeExpressions(RowSet& rows) {
+  const size_t width = rows.columns.size();
+  for (size_t c = 0; c < width; ++c) {
+    ColumnInfo& column = rows.columns[c];
+    if (column.type != adBigInt || !column.base_table.empty()) continue;
+    bool fits = true;
+    for (size_t i = c; fits && i < rows.cells.size(); i += width) {
+      const int64_t* value = rows.cells[i].Get<int64_t>();
+      fits = rows.cells[i].IsNull() ||
+             (value != nullptr && *value >= INT32_MIN && *value <= INT32_MAX);
+    }
+    if (!fits) continue;
+    column.type = adInteger;
+    column.defined_size = 4;
+    for (size_t i = c; i < rows.cells.size(); i += width) {
+      if (const int64_t* value = rows.cells[i].Get<int64_t>()) {
+        rows.cells[i] = Variant(static_cast<int32_t>(*value));
+      }
+    }
+  }
 }
 
 class OdbcConnection final : public DriverConnection {
@@ -239,6 +266,7 @@ StatementResult OdbcConnection::Run(const std::string& sql, const std::vector<Va
     stmt.Reset();  // the catalog look-ups below run on statements of their own
     MarkKeyColumns(result.rows, schemas);
     if (server_ == ServerKind::kMySql) ReadYesNoColumns(result.rows);
+    NarrowWholeExpressions(result.rows);
     return result;
   }
   SQLLEN affected = 0;
