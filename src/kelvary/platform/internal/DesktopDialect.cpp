@@ -8,15 +8,6 @@
 namespace kelvary::internal {
 namespace {
 
-// UpperAt: text holds word (upper case) at pos, in any case.
-bool UpperAt(std::string_view text, size_t pos, std::string_view word) {
-  if (pos + word.size() > text.size()) return false;
-  for (size_t i = 0; i < word.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(text[pos + i])) != word[i]) return false;
-  }
-  return true;
-}
-
 bool IsWordChar(char c) {
   return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '$';
 }
@@ -43,7 +34,7 @@ constexpr FunctionEntry kFunctions[] = {
 
 const FunctionEntry* FindFunction(std::string_view word) {
   for (const FunctionEntry& entry : kFunctions) {
-    if (entry.name.size() == word.size() && UpperAt(word, 0, entry.name)) return &entry;
+    if (entry.name.size() == word.size() && StartsWithNoCase(word, 0, entry.name)) return &entry;
   }
   return nullptr;
 }
@@ -167,7 +158,7 @@ class Rewriter {
         if (Function(*entry, word, after)) return;
       }
     }
-    if (word.size() == 4 && UpperAt(word, 0, "LIKE") && !qualified) {
+    if (word.size() == 4 && StartsWithNoCase(word, 0, "LIKE") && !qualified) {
       Like(word, end);
       return;
     }
@@ -292,34 +283,34 @@ std::optional<Date> ParseOracleDate(std::string_view text, std::string_view pict
   };
   size_t p = 0;
   while (p < picture.size()) {
-    if (UpperAt(picture, p, "YYYY") || UpperAt(picture, p, "RRRR")) {
+    if (StartsWithNoCase(picture, p, "YYYY") || StartsWithNoCase(picture, p, "RRRR")) {
       if (!read_number(4, year, &year_digits)) return std::nullopt;
       p += 4;
-    } else if (UpperAt(picture, p, "YY") || UpperAt(picture, p, "RR")) {
+    } else if (StartsWithNoCase(picture, p, "YY") || StartsWithNoCase(picture, p, "RR")) {
       if (!read_number(2, year, &year_digits)) return std::nullopt;
       p += 2;
-    } else if (UpperAt(picture, p, "MONTH") || UpperAt(picture, p, "MON")) {
+    } else if (StartsWithNoCase(picture, p, "MONTH") || StartsWithNoCase(picture, p, "MON")) {
       month_name = read_word();
       if (month_name.empty()) return std::nullopt;
-      p += UpperAt(picture, p, "MONTH") ? 5 : 3;
-    } else if (UpperAt(picture, p, "MM")) {
+      p += StartsWithNoCase(picture, p, "MONTH") ? 5 : 3;
+    } else if (StartsWithNoCase(picture, p, "MM")) {
       if (!read_number(2, month)) return std::nullopt;
       p += 2;
-    } else if (UpperAt(picture, p, "MI")) {
+    } else if (StartsWithNoCase(picture, p, "MI")) {
       if (!read_number(2, minute)) return std::nullopt;
       p += 2;
-    } else if (UpperAt(picture, p, "DD")) {
+    } else if (StartsWithNoCase(picture, p, "DD")) {
       if (!read_number(2, day)) return std::nullopt;
       p += 2;
-    } else if (UpperAt(picture, p, "HH24") || UpperAt(picture, p, "HH12") ||
-               UpperAt(picture, p, "HH")) {
+    } else if (StartsWithNoCase(picture, p, "HH24") || StartsWithNoCase(picture, p, "HH12") ||
+               StartsWithNoCase(picture, p, "HH")) {
       if (!read_number(2, hour)) return std::nullopt;
-      twelve_hour = !UpperAt(picture, p, "HH24");
-      p += UpperAt(picture, p, "HH24") || UpperAt(picture, p, "HH12") ? 4 : 2;
-    } else if (UpperAt(picture, p, "SS")) {
+      twelve_hour = !StartsWithNoCase(picture, p, "HH24");
+      p += StartsWithNoCase(picture, p, "HH24") || StartsWithNoCase(picture, p, "HH12") ? 4 : 2;
+    } else if (StartsWithNoCase(picture, p, "SS")) {
       if (!read_number(2, second)) return std::nullopt;
       p += 2;
-    } else if (UpperAt(picture, p, "AM") || UpperAt(picture, p, "PM")) {
+    } else if (StartsWithNoCase(picture, p, "AM") || StartsWithNoCase(picture, p, "PM")) {
       const std::string word = UpperCase(read_word());
       if (word != "AM" && word != "PM") return std::nullopt;
       pm = word == "PM";
