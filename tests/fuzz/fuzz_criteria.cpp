@@ -36,8 +36,9 @@ std::shared_ptr<Recordset> Patients() {
     rows.cells.push_back(id % 4 == 0 ? Variant::Null() : Variant(std::to_string(id * 7)));
   }
   auto rs = std::make_shared<Recordset>();
-  rs->Engine().Load(std::move(rows), internal::LoadOptions{"patients", nullptr, adLockOptimistic,
-                                                           internal::WriteMode::kMemory});
+  internal::LoadRecordset(
+      *rs, std::move(rows),
+      internal::LoadOptions{"patients", nullptr, adLockOptimistic, internal::WriteMode::kMemory});
   return rs;
 }
 

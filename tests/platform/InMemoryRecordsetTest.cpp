@@ -31,16 +31,18 @@ std::shared_ptr<Recordset> BuildShape() {
       child_cells.emplace_back(parent_id);
     }
     auto child = std::make_shared<Recordset>();
-    child->Engine().Load(Rows({{"ID", adInteger}, {"ParentID", adInteger}}, std::move(child_cells)),
-                         internal::LoadOptions{"child", nullptr});
+    internal::LoadRecordset(
+        *child, Rows({{"ID", adInteger}, {"ParentID", adInteger}}, std::move(child_cells)),
+        internal::LoadOptions{"child", nullptr});
     parent_cells.emplace_back(parent);
     parent_cells.emplace_back("Parent " + std::to_string(parent));
     parent_cells.emplace_back(child);
   }
   auto parent = std::make_shared<Recordset>();
-  parent->Engine().Load(Rows({{"ID", adInteger}, {"Name", adVarWChar}, {"Visits", adChapter}},
-                             std::move(parent_cells)),
-                        internal::LoadOptions{"SHAPE {...}", nullptr});
+  internal::LoadRecordset(*parent,
+                          Rows({{"ID", adInteger}, {"Name", adVarWChar}, {"Visits", adChapter}},
+                               std::move(parent_cells)),
+                          internal::LoadOptions{"SHAPE {...}", nullptr});
   return parent;
 }
 
@@ -72,8 +74,8 @@ TEST(InMemoryRecordset, ChapterFieldsHoldChildRecordsetsThatNavigateOnTheirOwn) 
 
 TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
   auto rs = std::make_shared<Recordset>();
-  rs->Engine().Load(
-      Rows({{"ID", adInteger}, {"When", adDate}}, {Variant(int32_t{1}), Variant::Null()}),
+  internal::LoadRecordset(
+      *rs, Rows({{"ID", adInteger}, {"When", adDate}}, {Variant(int32_t{1}), Variant::Null()}),
       internal::LoadOptions{"", nullptr, adLockOptimistic, internal::WriteMode::kMemory});
   rs->Fields("When").Value("2024-03-05");
   rs->MoveNext();  // commits in memory
@@ -86,7 +88,7 @@ TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
   EXPECT_EQ(rs->Fields("When").Value(), Variant(DateSerial(2024, 3, 5)));
   rs->Delete();
   EXPECT_EQ(rs->RecordCount(), 1);
-  EXPECT_EQ(ErrorOf([&] { rs->Engine().Load(RowSet(), {}); }).Number(), kErrObjectOpen);
+  EXPECT_EQ(ErrorOf([&] { internal::LoadRecordset(*rs, RowSet(), {}); }).Number(), kErrObjectOpen);
 }
 
 }  // namespace

@@ -3,9 +3,8 @@
 #include <limits>
 
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/platform/internal/CursorEngine.h"
+#include "kelvary/platform/internal/Session.h"
 #include "kelvary/platform/internal/drivers/DriverFactory.h"
-#include "kelvary/platform/internal/shape/ShapeProvider.h"
 
 namespace kelvary {
 namespace {
@@ -18,12 +17,21 @@ constexpr const char* kSource = "Connection";
 
 }  // namespace
 
-Connection::Connection() = default;
+namespace internal {
+
+std::shared_ptr<Session> SessionOf(const Connection& connection) {
+  return connection.session_;
+}
+
+}  // namespace internal
+
+Connection::Connection() : session_(std::make_shared<internal::Session>()) {}
 
 Connection::~Connection() {
-  if (!driver_) return;
+  std::unique_ptr<DriverConnection> driver = session_->Detach();
+  if (!driver) return;
   try {
-    driver_->Close();
+    driver->Close();
   } catch (...) {
     // A destructor never throws; the handle goes with the driver object.
   }
@@ -31,66 +39,52 @@ Connection::~Connection() {
 
 void Connection::Open(const std::string& connection_string, const std::string& user_id,
                       const std::string& password, int32_t) {
-  if (driver_) {
+  if (session_->IsOpen()) {
     throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
   }
-  errors_.clear();
-  try {
-    driver_ = internal::OpenDriver(connection_string, user_id, password, command_timeout_);
-  } catch (const Error& e) {
-    errors_.assign(1, e);
-    throw;
-  }
+  session_->Run([&] {
+    session_->Attach(internal::OpenDriver(connection_string, user_id, password, command_timeout_));
+  });
   connection_string_ = connection_string;
 }
 
 void Connection::Close() {
-  if (!driver_) ThrowClosed();
-  std::unique_ptr<DriverConnection> driver = std::move(driver_);
+  std::unique_ptr<DriverConnection> driver = session_->Detach();
+  if (!driver) ThrowClosed();
   in_transaction_ = false;
   driver->Close();
 }
 
 ObjectStateEnum Connection::State() const {
-  return driver_ ? adStateOpen : adStateClosed;
+  return session_->IsOpen() ? adStateOpen : adStateClosed;
+}
+
+const std::vector<Error>& Connection::Errors() const {
+  return session_->Errors();
 }
 
 void Connection::CommandTimeout(int32_t seconds) {
   command_timeout_ = seconds;
-  if (driver_) driver_->SetBusyTimeout(seconds);
+  if (session_->IsOpen()) session_->Driver().SetBusyTimeout(seconds);
 }
 
 DriverConnection& Connection::Driver() {
-  if (!driver_) ThrowClosed();
-  return *driver_;
+  if (!session_->IsOpen()) ThrowClosed();
+  return session_->Driver();
 }
 
 std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text,
-                                               int32_t& records_affected, int32_t options) {
-  if (!driver_) ThrowClosed();
-  errors_.clear();
+                                               int32_t& records_affected, int32_t) {
+  if (!session_->IsOpen()) ThrowClosed();
   records_affected = -1;
   auto recordset = std::make_shared<Recordset>();
-  std::shared_ptr<Connection> self = weak_from_this().lock();
-  if (shape::IsShapeCommand(command_text)) {
-    recordset->Open(command_text, self, adOpenStatic, adLockReadOnly, options);
-    return recordset;
-  }
-  StatementResult result;
-  try {
-    result = driver_->Run(command_text, {}, 0);
-  } catch (const Error& e) {
-    errors_.assign(1, e);
-    throw;
-  }
-  if (!result.has_rows) {
+  const int64_t affected =
+      internal::OpenRecordset(*recordset, command_text, session_, weak_from_this().lock(),
+                              adLockReadOnly, adCmdUnspecified);
+  if (recordset->State() == adStateClosed) {  // a statement that returns no rows
     constexpr int64_t kMax = std::numeric_limits<int32_t>::max();
-    records_affected = static_cast<int32_t>(std::min(result.records_affected, kMax));
-    return recordset;  // closed, as for any statement that returns no rows
+    records_affected = static_cast<int32_t>(std::min(affected, kMax));
   }
-  recordset->Engine().Load(std::move(result.rows),
-                           internal::LoadOptions{command_text, std::move(self), adLockReadOnly,
-                                                 internal::WriteMode::kReadOnly});
   return recordset;
 }
 
@@ -101,52 +95,38 @@ std::shared_ptr<Recordset> Connection::Execute(const std::string& command_text,
 }
 
 int32_t Connection::BeginTrans() {
-  if (!driver_) ThrowClosed();
-  errors_.clear();
-  if (in_transaction_) {
-    throw Error(kErrOperationNotSupported,
-                "A transaction is already running on this connection; nested transactions are "
-                "not supported",
-                kSource);
-  }
-  try {
-    driver_->BeginTransaction();
-  } catch (const Error& e) {
-    errors_.assign(1, e);
-    throw;
-  }
+  if (!session_->IsOpen()) ThrowClosed();
+  session_->Run([&] {
+    if (in_transaction_) {
+      throw Error(kErrOperationNotSupported,
+                  "A transaction is already running on this connection; nested transactions "
+                  "are not supported",
+                  kSource);
+    }
+    session_->Driver().BeginTransaction();
+  });
   in_transaction_ = true;
   return 1;
 }
 
 void Connection::CommitTrans() {
-  if (!driver_) ThrowClosed();
-  errors_.clear();
-  if (!in_transaction_) {
-    throw Error(kErrOperationNotSupported, "No transaction is active.", kSource);
-  }
-  try {
-    driver_->CommitTransaction();
-  } catch (const Error& e) {
-    errors_.assign(1, e);
-    throw;
-  }
+  if (!session_->IsOpen()) ThrowClosed();
+  session_->Run([&] {
+    if (!in_transaction_)
+      throw Error(kErrOperationNotSupported, "No transaction is active.", kSource);
+    session_->Driver().CommitTransaction();
+  });
   in_transaction_ = false;
 }
 
 void Connection::RollbackTrans() {
-  if (!driver_) ThrowClosed();
-  errors_.clear();
-  if (!in_transaction_) {
-    throw Error(kErrOperationNotSupported, "No transaction is active.", kSource);
-  }
-  in_transaction_ = false;
-  try {
-    driver_->RollbackTransaction();
-  } catch (const Error& e) {
-    errors_.assign(1, e);
-    throw;
-  }
+  if (!session_->IsOpen()) ThrowClosed();
+  session_->Run([&] {
+    if (!in_transaction_)
+      throw Error(kErrOperationNotSupported, "No transaction is active.", kSource);
+    in_transaction_ = false;
+    session_->Driver().RollbackTransaction();
+  });
 }
 
 }  // namespace kelvary

@@ -33,8 +33,10 @@ namespace kelvary {
 
 class Recordset;
 class DriverConnection;
+class Connection;
 namespace internal {
-class CursorEngine;
+class Session;  // the driver and the errors, shared with the recordsets read here
+std::shared_ptr<Session> SessionOf(const Connection& connection);
 }  // namespace internal
 
 class Connection : public Object, public std::enable_shared_from_this<Connection> {
@@ -77,7 +79,7 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
 
   // Errors: the errors of the last operation that failed on this connection
   // (cleared when an operation starts).
-  const std::vector<Error>& Errors() const { return errors_; }
+  const std::vector<Error>& Errors() const;
 
   // CommandTimeout: seconds to wait on a busy database (another connection
   // or process writing) before an operation fails; applies at once to an
@@ -90,14 +92,13 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   DriverConnection& Driver();
 
  private:
-  friend class internal::CursorEngine;  // records the errors of recordset operations
+  friend std::shared_ptr<internal::Session> internal::SessionOf(const Connection&);
 
   CursorLocationEnum cursor_location_ = adUseServer;
   std::string connection_string_;
   int32_t command_timeout_ = 30;
-  std::vector<Error> errors_;
   bool in_transaction_ = false;
-  std::unique_ptr<DriverConnection> driver_;
+  std::shared_ptr<internal::Session> session_;
 };
 
 }  // namespace kelvary

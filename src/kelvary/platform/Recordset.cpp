@@ -1,9 +1,90 @@
 #include "kelvary/platform/Recordset.h"
 
-#include "kelvary/platform/Connection.h"
+#include <utility>
+
 #include "kelvary/platform/internal/CursorEngine.h"
+#include "kelvary/platform/internal/Session.h"
+#include "kelvary/platform/internal/StatementRunner.h"
+#include "kelvary/platform/internal/WriteBack.h"
 
 namespace kelvary {
+namespace {
+
+constexpr int32_t kErrConnectionUnusable = 3709;
+
+// Chapters: the chapters of a SHAPE statement's rows, as recordsets sharing
+// their level's rows. Shaped rows keep their base table and column, so a
+// level read from one table writes its changes back as a plain SELECT's
+// rows do; the chapters of one level share one writer.
+shape::ChapterMaker Chapters(std::shared_ptr<Connection> connection,
+                             std::shared_ptr<internal::Session> session, LockTypeEnum lock) {
+  struct Level {
+    const RowSet* store = nullptr;
+    std::shared_ptr<internal::RowWriter> writer;
+  };
+  return [connection = std::move(connection), session = std::move(session), lock, level = Level()](
+             const std::shared_ptr<const RowSet>& store, std::vector<uint32_t> rows,
+             const std::string& source) mutable {
+    internal::LoadOptions options{source, connection, lock, internal::WriteMode::kReadOnly};
+    if (lock != adLockReadOnly) {
+      if (level.store != store.get())
+        level = {store.get(), internal::BaseTableWriter(session, store->columns)};
+      options.write_mode = internal::WriteMode::kBaseTable;
+      options.writer = level.writer;
+    }
+    auto chapter = std::make_shared<Recordset>();
+    internal::LoadRecordset(*chapter, store, std::move(rows), std::move(options));
+    return Variant(std::move(chapter));
+  };
+}
+
+}  // namespace
+
+namespace internal {
+
+int64_t OpenRecordset(Recordset& target, const std::string& source,
+                      std::shared_ptr<Session> session, std::shared_ptr<Connection> connection,
+                      LockTypeEnum lock_type, int32_t options) {
+  CursorEngine& engine = *target.engine_;
+  engine.RequireClosed();
+  const std::string text = options == adCmdTable || options == adCmdTableDirect
+                               ? "SELECT * FROM " + QuoteName(source)
+                               : source;
+  if (!session || !session->IsOpen()) {
+    throw Error(kErrConnectionUnusable,
+                "The connection cannot be used to perform this operation. It is either closed "
+                "or invalid in this context.",
+                "Recordset");
+  }
+  const LockTypeEnum lock = lock_type == adLockUnspecified ? adLockReadOnly : lock_type;
+  StatementResult result =
+      RunStatement(*session, text, engine.MaxRecords(), Chapters(connection, session, lock));
+  if (!result.has_rows) {  // the statement ran; there is nothing to hold
+    engine.Ran(text, connection, lock);
+    return result.records_affected;
+  }
+  LoadOptions load{text, connection, lock, WriteMode::kReadOnly};
+  if (lock != adLockReadOnly) {
+    load.write_mode = WriteMode::kBaseTable;
+    load.writer = BaseTableWriter(std::move(session), result.rows.columns);
+  }
+  engine.Load(std::move(result.rows), std::move(load));
+  target.Opened();
+  return -1;
+}
+
+void LoadRecordset(Recordset& target, RowSet rows, LoadOptions options) {
+  target.engine_->Load(std::move(rows), std::move(options));
+  target.Opened();
+}
+
+void LoadRecordset(Recordset& target, std::shared_ptr<const RowSet> store,
+                   std::vector<uint32_t> rows, LoadOptions options) {
+  target.engine_->LoadShared(std::move(store), std::move(rows), std::move(options));
+  target.Opened();
+}
+
+}  // namespace internal
 
 // ---- Field -------------------------------------------------------------------
 
@@ -36,10 +117,20 @@ Recordset::~Recordset() = default;
 
 void Recordset::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                      CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options) {
-  engine_->Open(source, connection, cursor_type, lock_type, options);
+  (void)cursor_type;  // every recordset is a static client-side cursor
+  internal::OpenRecordset(*this, source, connection ? internal::SessionOf(*connection) : nullptr,
+                          connection, lock_type, options);
 }
 void Recordset::Close() {
   engine_->Close();
+  fields_.clear();
+}
+void Recordset::Opened() {
+  fields_.clear();
+  const int32_t width = engine_->FieldCount();
+  fields_.reserve(static_cast<size_t>(width));
+  for (int32_t i = 0; i < width; ++i)
+    fields_.push_back(Field(engine_.get(), i));
 }
 ObjectStateEnum Recordset::State() const {
   return engine_->IsOpen() ? adStateOpen : adStateClosed;
@@ -96,16 +187,16 @@ int32_t Recordset::FieldCount() const {
   return engine_->FieldCount();
 }
 Field& Recordset::Fields(int32_t ordinal) {
-  return engine_->FieldAt(ordinal);
+  return fields_[static_cast<size_t>(engine_->CheckOrdinal(ordinal))];
 }
 Field& Recordset::Fields(std::string_view name) {
-  return engine_->FieldNamed(name);
+  return fields_[static_cast<size_t>(engine_->OrdinalOf(name))];
 }
 const Field& Recordset::Fields(int32_t ordinal) const {
-  return engine_->FieldAt(ordinal);
+  return fields_[static_cast<size_t>(engine_->CheckOrdinal(ordinal))];
 }
 const Field& Recordset::Fields(std::string_view name) const {
-  return engine_->FieldNamed(name);
+  return fields_[static_cast<size_t>(engine_->OrdinalOf(name))];
 }
 bool Recordset::HasField(std::string_view name) const {
   return engine_->HasField(name);
@@ -149,10 +240,6 @@ const std::string& Recordset::Source() const {
 }
 std::shared_ptr<Connection> Recordset::ActiveConnection() const {
   return engine_->ActiveConnection();
-}
-
-internal::CursorEngine& Recordset::Engine() {
-  return *engine_;
 }
 
 }  // namespace kelvary

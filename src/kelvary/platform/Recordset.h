@@ -37,9 +37,26 @@ namespace kelvary {
 
 class Connection;
 class Recordset;
+struct RowSet;
 
+// The platform's own ways to fill a recordset (internal/CursorEngine.h),
+// which only they may do. Not part of the host's interface.
 namespace internal {
-class CursorEngine;  // the rows, the cursor position and the write-back
+class CursorEngine;  // the rows, the cursor position and the edit buffer
+class Session;       // a connection's driver and errors
+struct LoadOptions;
+// OpenRecordset: what Recordset::Open does, and Connection::Execute: runs
+// source in session and holds its rows, read back as from connection (which
+// may be null); the number of rows the statement changed (-1 when it
+// returned rows).
+int64_t OpenRecordset(Recordset& target, const std::string& source,
+                      std::shared_ptr<Session> session, std::shared_ptr<Connection> connection,
+                      LockTypeEnum lock_type, int32_t options);
+// LoadRecordset: rows that come from no statement, held by a closed target;
+// or rows of a store that other recordsets share (CursorEngine::LoadShared).
+void LoadRecordset(Recordset& target, RowSet rows, LoadOptions options);
+void LoadRecordset(Recordset& target, std::shared_ptr<const RowSet> store,
+                   std::vector<uint32_t> rows, LoadOptions options);
 }  // namespace internal
 
 class Field {
@@ -61,7 +78,7 @@ class Field {
   int32_t Status() const;
 
  private:
-  friend class internal::CursorEngine;
+  friend class Recordset;
   Field(internal::CursorEngine* engine, int32_t ordinal) : engine_(engine), ordinal_(ordinal) {}
   internal::CursorEngine* engine_;
   int32_t ordinal_;
@@ -156,12 +173,19 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   const std::string& Source() const;
   std::shared_ptr<Connection> ActiveConnection() const;
 
-  // The engine behind this recordset, for the shaping layer and the drivers'
-  // tests. Not part of the host's interface.
-  internal::CursorEngine& Engine();
-
  private:
+  friend int64_t internal::OpenRecordset(Recordset&, const std::string&,
+                                         std::shared_ptr<internal::Session>,
+                                         std::shared_ptr<Connection>, LockTypeEnum, int32_t);
+  friend void internal::LoadRecordset(Recordset&, RowSet, internal::LoadOptions);
+  friend void internal::LoadRecordset(Recordset&, std::shared_ptr<const RowSet>,
+                                      std::vector<uint32_t>, internal::LoadOptions);
+
+  // Opened: the field handles of the rows the engine now holds.
+  void Opened();
+
   std::unique_ptr<internal::CursorEngine> engine_;
+  std::vector<Field> fields_;
 };
 
 }  // namespace kelvary

@@ -5,31 +5,25 @@
 #include <numeric>
 #include <utility>
 
-#include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/Criteria.h"
-#include "kelvary/platform/internal/shape/ShapeProvider.h"
 
 namespace kelvary::internal {
 namespace {
 
 constexpr const char* kSource = "Recordset";
-constexpr int32_t kErrConnectionUnusable = 3709;
 constexpr uint32_t kFindsBeforeIndex = 2;  // a one-off Find scans; a repeated one builds an index
 
 bool IsNothing(const Variant& v) {
   return v.IsNull() || v.IsEmpty();
 }
 
-[[noreturn]] void ThrowRowChanged() {
-  throw Error(kErrRowChanged,
-              "Row cannot be located for updating. Some values may have been changed since it "
-              "was last read.",
-              kSource);
+int32_t StatusForConversion(const Error& error) {
+  return error.Number() == kErrOverflow ? adFieldDataOverflow : adFieldCantConvertValue;
 }
 
-// ConvertForColumn: a value assigned to a field, in the field's own type, so
-// that what is read back and what is written are what the column holds.
+}  // namespace
+
 Variant ConvertForColumn(DataTypeEnum type, const Variant& v) {
   if (IsNothing(v)) return Variant::Null();
   switch (type) {
@@ -80,12 +74,6 @@ Variant ConvertForColumn(DataTypeEnum type, const Variant& v) {
   }
 }
 
-int32_t StatusForConversion(const Error& error) {
-  return error.Number() == kErrOverflow ? adFieldDataOverflow : adFieldCantConvertValue;
-}
-
-}  // namespace
-
 size_t CaseInsensitiveHash::operator()(std::string_view s) const {
   uint64_t h = 1469598103934665603ull;  // FNV-1a over the lowered bytes, 64-bit everywhere
   for (char c : s) {
@@ -113,19 +101,6 @@ std::string QuoteName(const std::string& name) {
   return quoted + "\"";
 }
 
-// BaseTable: what write-back needs to know about the table behind the rows.
-struct CursorEngine::BaseTable {
-  std::string table;
-  std::string quoted_table;
-  std::vector<int32_t> columns;        // ordinals of the table's own columns
-  std::vector<std::string> key_names;  // its key, as the driver names it
-  std::vector<int32_t> key_ordinals;   // ordinal per key column, -1 when not fetched
-  bool key_fetched = false;            // every key column is among the fields
-  bool IsBaseColumn(int32_t ordinal) const {
-    return std::find(columns.begin(), columns.end(), ordinal) != columns.end();
-  }
-};
-
 // EqualityIndex: for repeated Find "column = number", the positions (in
 // order_) of each numeric value of one column. Dropped whenever rows,
 // values or the order change.
@@ -141,50 +116,6 @@ CursorEngine::CursorEngine() = default;
 CursorEngine::~CursorEngine() = default;
 
 // ---- Opening and closing -------------------------------------------------
-
-void CursorEngine::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
-                        CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options) {
-  RequireClosed();
-  if (options == adCmdTable || options == adCmdTableDirect) {
-    Open("SELECT * FROM " + QuoteName(source), connection, cursor_type, lock_type, adCmdText);
-    return;
-  }
-  if (!connection || connection->State() != adStateOpen) {
-    throw Error(kErrConnectionUnusable,
-                "The connection cannot be used to perform this operation. It is either closed "
-                "or invalid in this context.",
-                kSource);
-  }
-  const LockTypeEnum lock = lock_type == adLockUnspecified ? adLockReadOnly : lock_type;
-  connection->errors_.clear();
-  if (shape::IsShapeCommand(source)) {
-    try {
-      shape::OpenShape(source, connection, *this,
-                       shape::ShapeRequest{cursor_type, lock, max_records_});
-    } catch (const Error& e) {
-      connection->errors_.assign(1, e);
-      throw;
-    }
-    source_ = source;
-    connection_ = connection;
-    cursor_type_ = adOpenStatic;
-    return;
-  }
-  StatementResult result;
-  try {
-    result = connection->Driver().Run(source, {}, max_records_);
-  } catch (const Error& e) {
-    connection->errors_.assign(1, e);
-    throw;
-  }
-  source_ = source;
-  connection_ = connection;
-  lock_type_ = lock;
-  if (!result.has_rows) return;  // the statement ran; there is nothing to hold
-  Load(std::move(result.rows),
-       LoadOptions{source, connection, lock,
-                   lock == adLockReadOnly ? WriteMode::kReadOnly : WriteMode::kBaseTable});
-}
 
 void CursorEngine::Load(RowSet rows, LoadOptions options) {
   RequireClosed();
@@ -225,27 +156,32 @@ void CursorEngine::Opened(LoadOptions options) {
   deleted_.assign(count, 0);
   order_.resize(count);
   std::iota(order_.begin(), order_.end(), 0u);
-  fields_.clear();
-  fields_.reserve(width_);
   names_.clear();
   for (size_t i = 0; i < width_; ++i) {
-    fields_.push_back(Field(this, static_cast<int32_t>(i)));
     names_.emplace(columns_[i].name, static_cast<int32_t>(i));  // the first of a name wins
   }
   source_ = std::move(options.source);
   connection_ = std::move(options.connection);
   lock_type_ = options.lock_type == adLockUnspecified ? adLockReadOnly : options.lock_type;
   write_mode_ = options.write_mode;
+  writer_ = write_mode_ == WriteMode::kBaseTable ? std::move(options.writer) : nullptr;
   cursor_type_ = adOpenStatic;  // a client-side cursor is static whatever was asked for
   filter_.clear();
   edit_mode_ = adEditNone;
   originals_.clear();
   changed_.assign(width_, false);
   status_.assign(width_, adFieldOK);
-  base_.reset();
   index_.reset();
   open_ = true;
   ResetPosition();
+}
+
+void CursorEngine::Ran(std::string source, std::shared_ptr<Connection> connection,
+                       LockTypeEnum lock_type) {
+  RequireClosed();
+  source_ = std::move(source);
+  connection_ = std::move(connection);
+  lock_type_ = lock_type;
 }
 
 void CursorEngine::Close() {
@@ -255,7 +191,6 @@ void CursorEngine::Close() {
   edit_mode_ = adEditNone;
   on_deleted_ = false;
   columns_.clear();
-  fields_.clear();
   names_.clear();
   cells_.clear();
   cells_.shrink_to_fit();
@@ -266,7 +201,7 @@ void CursorEngine::Close() {
   order_.clear();
   filter_.clear();
   originals_.clear();
-  base_.reset();
+  writer_.reset();
   index_.reset();
   width_ = 0;
   pos_ = 0;
@@ -611,7 +546,7 @@ int32_t CursorEngine::FieldCount() const {
   return static_cast<int32_t>(width_);
 }
 
-Field& CursorEngine::FieldAt(int32_t ordinal) {
+int32_t CursorEngine::CheckOrdinal(int32_t ordinal) const {
   RequireOpen();
   if (ordinal < 0 || static_cast<size_t>(ordinal) >= width_) {
     throw Error(kErrItemNotFound,
@@ -620,10 +555,10 @@ Field& CursorEngine::FieldAt(int32_t ordinal) {
                     std::to_string(ordinal) + ")",
                 kSource);
   }
-  return fields_[static_cast<size_t>(ordinal)];
+  return ordinal;
 }
 
-Field& CursorEngine::FieldNamed(std::string_view name) {
+int32_t CursorEngine::OrdinalOf(std::string_view name) const {
   RequireOpen();
   auto it = names_.find(name);
   if (it == names_.end()) {
@@ -633,7 +568,7 @@ Field& CursorEngine::FieldNamed(std::string_view name) {
                     std::string(name) + "\")",
                 kSource);
   }
-  return fields_[static_cast<size_t>(it->second)];
+  return it->second;
 }
 
 bool CursorEngine::HasField(std::string_view name) const {
@@ -746,11 +681,13 @@ void CursorEngine::AddNew() {
 void CursorEngine::Update() {
   RequireOpen();
   if (edit_mode_ == adEditNone) return;
-  if (write_mode_ == WriteMode::kBaseTable) {
+  if (writer_) {
+    Variant* row = cells_.data() + size_t{edit_row_} * width_;
     if (edit_mode_ == adEditAdd) {
-      WriteInsert(edit_row_);
+      writer_->Insert(RowChange{columns_, row, nullptr, changed_, status_}, row);
+      ChangedRows();  // the database may have supplied values
     } else {
-      WriteUpdate(edit_row_);
+      writer_->Update(RowChange{columns_, row, originals_.data(), changed_, status_});
     }
   }
   EndEdit();
@@ -784,330 +721,12 @@ void CursorEngine::Delete() {
     return;
   }
   if (edit_mode_ == adEditInProgress) CancelUpdate();
-  if (write_mode_ == WriteMode::kBaseTable) WriteDelete(row);
+  if (writer_) writer_->Delete(RowChange{columns_, StoredRow(row), nullptr, changed_, status_});
   deleted_[row] = 1;
   order_.erase(order_.begin() + pos_);
   on_deleted_ = true;
   ResetStatus();
   ChangedRows();
-}
-
-// ---- Write-back --------------------------------------------------------------
-
-DriverConnection& CursorEngine::Driver() {
-  if (!connection_ || connection_->State() != adStateOpen) ThrowClosed();
-  return connection_->Driver();
-}
-
-void CursorEngine::RecordError(const Error& error) const {
-  if (connection_) connection_->errors_.assign(1, error);
-}
-
-CursorEngine::BaseTable& CursorEngine::Base() {
-  if (base_) return *base_;
-  auto base = std::make_unique<BaseTable>();
-  for (size_t i = 0; i < width_; ++i) {
-    const ColumnInfo& c = columns_[i];
-    if (c.base_table.empty() || c.base_column.empty()) continue;
-    if (base->table.empty()) {
-      base->table = c.base_table;
-    } else if (!EqualsNoCase(base->table, c.base_table)) {
-      throw Error(kErrProviderFailure,
-                  "Insufficient base table information for updating or refreshing. (The rows "
-                  "come from more than one table.)",
-                  kSource);
-    }
-    base->columns.push_back(static_cast<int32_t>(i));
-  }
-  if (base->table.empty()) {
-    throw Error(kErrProviderFailure,
-                "Insufficient base table information for updating or refreshing. (No field "
-                "comes from a table.)",
-                kSource);
-  }
-  base->quoted_table = QuoteName(base->table);
-  base->key_names = Driver().KeyColumns(base->table);
-  base->key_fetched = !base->key_names.empty();
-  for (const std::string& key : base->key_names) {
-    int32_t ordinal = -1;
-    for (int32_t c : base->columns) {
-      if (EqualsNoCase(columns_[static_cast<size_t>(c)].base_column, key)) {
-        ordinal = c;
-        break;
-      }
-    }
-    base->key_ordinals.push_back(ordinal);
-    if (ordinal < 0) base->key_fetched = false;
-  }
-  base_ = std::move(base);
-  return *base_;
-}
-
-// LocateClause: the WHERE text that finds the row as it was read: by its key
-// and, for an update, the original values of the changed fields; without a
-// fetched key, by the original values of all the table's fields.
-std::string CursorEngine::LocateClause(const Variant* originals, const std::vector<bool>* changed,
-                                       std::vector<Variant>& params) {
-  BaseTable& base = Base();
-  DriverConnection& driver = Driver();
-  std::string where;
-  auto add = [&](int32_t ordinal) {
-    const ColumnInfo& column = columns_[static_cast<size_t>(ordinal)];
-    const Variant& original = originals[ordinal];
-    if (!where.empty()) where += " AND ";
-    const std::string name = QuoteName(column.base_column);
-    if (IsNothing(original)) {
-      where += name + " IS NULL";
-    } else {
-      where += driver.EqualsParameter(name, column.type);
-      params.push_back(original);
-    }
-  };
-  if (base.key_fetched) {
-    for (int32_t k : base.key_ordinals)
-      add(k);
-    if (changed) {
-      for (int32_t c : base.columns) {
-        if ((*changed)[static_cast<size_t>(c)] &&
-            std::find(base.key_ordinals.begin(), base.key_ordinals.end(), c) ==
-                base.key_ordinals.end()) {
-          add(c);
-        }
-      }
-    }
-  } else {
-    for (int32_t c : base.columns)
-      add(c);
-  }
-  return where;
-}
-
-void CursorEngine::WriteUpdate(uint32_t row) {
-  BaseTable& base = Base();
-  const Variant* cells = StoredRow(row);
-  std::string set;
-  std::vector<Variant> params;
-  for (int32_t c : base.columns) {
-    if (!changed_[static_cast<size_t>(c)]) continue;
-    if (!set.empty()) set += ", ";
-    set += QuoteName(columns_[static_cast<size_t>(c)].base_column) + " = ?";
-    params.push_back(cells[c]);
-  }
-  if (set.empty()) return;  // only fields that no table holds were changed
-  std::vector<Variant> where_params;
-  const std::string where = LocateClause(originals_.data(), &changed_, where_params);
-  params.insert(params.end(), where_params.begin(), where_params.end());
-  DriverConnection& driver = Driver();
-  const std::string sql = "UPDATE " + base.quoted_table + " SET " + set + " WHERE " + where;
-  StatementResult result;
-  try {
-    if (!base.key_fetched) {
-      const StatementResult count = driver.Run(
-          "SELECT COUNT(*) FROM " + base.quoted_table + " WHERE " + where, where_params, 0);
-      if (count.rows.RowCount() == 1 && CLngLng(count.rows.Cell(0, 0)) > 1) {
-        throw Error(kErrProviderFailure,
-                    "Insufficient key column information for updating or refreshing. (" +
-                        CStr(count.rows.Cell(0, 0)) + " rows of " + base.table +
-                        " hold the same values and the key is not among the fields.)",
-                    kSource)
-            .WithStatement(sql);
-      }
-    }
-    result = driver.Run(sql, params, 0);
-  } catch (const Error& e) {
-    MarkFailedFields(e);
-    RecordError(e);
-    throw;
-  }
-  if (result.records_affected == 0) {
-    // Which of the changed fields moved under us: read the row again by its
-    // key; without a key (or when the row is gone) all of them are suspect.
-    std::vector<bool> offending = changed_;
-    if (base.key_fetched) {
-      std::string columns_sql;
-      std::string key_where;
-      std::vector<Variant> key_params;
-      std::vector<int32_t> read;
-      for (int32_t c : base.columns) {
-        if (!changed_[static_cast<size_t>(c)]) continue;
-        columns_sql += (columns_sql.empty() ? "" : ", ") +
-                       QuoteName(columns_[static_cast<size_t>(c)].base_column);
-        read.push_back(c);
-      }
-      for (int32_t k : base.key_ordinals) {
-        key_where += (key_where.empty() ? "" : " AND ") +
-                     QuoteName(columns_[static_cast<size_t>(k)].base_column) + " = ?";
-        key_params.push_back(originals_[static_cast<size_t>(k)]);
-      }
-      try {
-        const StatementResult now = driver.Run(
-            "SELECT " + columns_sql + " FROM " + base.quoted_table + " WHERE " + key_where,
-            key_params, 1);
-        if (now.rows.RowCount() == 1) {
-          for (size_t i = 0; i < read.size(); ++i) {
-            const Variant& was = originals_[static_cast<size_t>(read[i])];
-            const Variant& is = now.rows.Cell(0, i);
-            const bool same =
-                IsNothing(was) ? IsNothing(is) : (!IsNothing(is) && CompareValues(was, is) == 0);
-            offending[static_cast<size_t>(read[i])] = !same;
-          }
-        }
-      } catch (const Error&) {
-        // Keep every changed field marked.
-      }
-    }
-    for (size_t c = 0; c < width_; ++c) {
-      if (offending[c]) status_[c] = adFieldUnavailable;
-    }
-    try {
-      ThrowRowChanged();
-    } catch (Error& e) {
-      e.WithStatement(sql);
-      RecordError(e);
-      throw;
-    }
-  }
-}
-
-void CursorEngine::WriteInsert(uint32_t row) {
-  BaseTable& base = Base();
-  const Variant* cells = StoredRow(row);
-  std::string names;
-  std::string marks;
-  std::vector<Variant> params;
-  for (int32_t c : base.columns) {
-    if (!changed_[static_cast<size_t>(c)]) continue;  // unset fields take the table's defaults
-    if (!names.empty()) {
-      names += ", ";
-      marks += ", ";
-    }
-    names += QuoteName(columns_[static_cast<size_t>(c)].base_column);
-    marks += "?";
-    params.push_back(cells[c]);
-  }
-  const std::string sql = names.empty() ? "INSERT INTO " + base.quoted_table + " DEFAULT VALUES"
-                                        : "INSERT INTO " + base.quoted_table + " (" + names +
-                                              ") VALUES (" + marks + ")";
-  DriverConnection& driver = Driver();
-  std::vector<Variant> key_values;
-  try {
-    driver.Run(sql, params, 0);
-  } catch (const Error& e) {
-    MarkFailedFields(e);
-    RecordError(e);
-    throw;
-  }
-  // The row is written from here on: what follows must not fail the Update,
-  // or a second Update would insert it twice.
-  try {
-    // The key of the new row: as set, or as the database generated it.
-    for (size_t k = 0; k < base.key_names.size(); ++k) {
-      const int32_t ordinal = base.key_ordinals[k];
-      Variant value =
-          ordinal >= 0 ? cells_[row * width_ + static_cast<size_t>(ordinal)] : Variant();
-      if (IsNothing(value)) {
-        value = driver.LastInsertedKey(base.table, base.key_names[k]);
-        if (ordinal >= 0 && !value.IsEmpty()) {
-          cells_[row * width_ + static_cast<size_t>(ordinal)] =
-              ConvertForColumn(columns_[static_cast<size_t>(ordinal)].type, value);
-        }
-      }
-      key_values.push_back(std::move(value));
-    }
-  } catch (const Error&) {
-    return;  // the key stays unknown; the row cannot be read back
-  }
-  Resync(row, key_values);
-}
-
-// Resync reads a newly inserted row back by its key, so that the values the
-// database supplied (defaults, generated keys) are what the recordset holds
-// and what a later update compares against.
-void CursorEngine::Resync(uint32_t row, const std::vector<Variant>& key_values) {
-  BaseTable& base = Base();
-  if (key_values.empty()) return;
-  for (const Variant& v : key_values) {
-    if (IsNothing(v)) return;
-  }
-  std::string columns_sql;
-  for (int32_t c : base.columns) {
-    columns_sql +=
-        (columns_sql.empty() ? "" : ", ") + QuoteName(columns_[static_cast<size_t>(c)].base_column);
-  }
-  std::string where;
-  for (const std::string& key : base.key_names) {
-    where += (where.empty() ? "" : " AND ") + QuoteName(key) + " = ?";
-  }
-  try {
-    const StatementResult now = Driver().Run(
-        "SELECT " + columns_sql + " FROM " + base.quoted_table + " WHERE " + where, key_values, 2);
-    if (now.rows.RowCount() != 1) return;
-    for (size_t i = 0; i < base.columns.size(); ++i) {
-      cells_[row * width_ + static_cast<size_t>(base.columns[i])] = now.rows.Cell(0, i);
-    }
-    ChangedRows();
-  } catch (const Error&) {
-    // The row is written; reading it back is a courtesy.
-  }
-}
-
-void CursorEngine::WriteDelete(uint32_t row) {
-  BaseTable& base = Base();
-  std::vector<Variant> params;
-  const std::string where = LocateClause(StoredRow(row), nullptr, params);
-  const std::string sql = "DELETE FROM " + base.quoted_table + " WHERE " + where;
-  DriverConnection& driver = Driver();
-  StatementResult result;
-  try {
-    if (!base.key_fetched) {
-      const StatementResult count =
-          driver.Run("SELECT COUNT(*) FROM " + base.quoted_table + " WHERE " + where, params, 0);
-      if (count.rows.RowCount() == 1 && CLngLng(count.rows.Cell(0, 0)) > 1) {
-        throw Error(kErrProviderFailure,
-                    "Insufficient key column information for updating or refreshing. (" +
-                        CStr(count.rows.Cell(0, 0)) + " rows of " + base.table +
-                        " hold the same values and the key is not among the fields.)",
-                    kSource)
-            .WithStatement(sql);
-      }
-    }
-    result = driver.Run(sql, params, 0);
-  } catch (const Error& e) {
-    RecordError(e);
-    throw;
-  }
-  if (result.records_affected == 0) {
-    try {
-      ThrowRowChanged();
-    } catch (Error& e) {
-      e.WithStatement(sql);
-      RecordError(e);
-      throw;
-    }
-  }
-}
-
-// MarkFailedFields sets the status of the fields a rejected write names; a
-// constraint that names no field marks every changed one.
-void CursorEngine::MarkFailedFields(const Error& error) {
-  if (!connection_ || connection_->State() != adStateOpen) return;
-  DriverConnection& driver = connection_->Driver();
-  if (!driver.IsConstraintViolation(error)) return;
-  const std::vector<std::string> names = driver.ConstraintColumns(error);
-  bool named = false;
-  for (const std::string& name : names) {
-    for (size_t c = 0; c < width_; ++c) {
-      if (EqualsNoCase(columns_[c].base_column, name)) {
-        status_[c] = adFieldSchemaViolation;
-        named = true;
-      }
-    }
-  }
-  if (!named) {
-    for (size_t c = 0; c < width_; ++c) {
-      if (changed_[c]) status_[c] = adFieldSchemaViolation;
-    }
-  }
 }
 
 }  // namespace kelvary::internal

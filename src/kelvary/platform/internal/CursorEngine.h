@@ -1,7 +1,10 @@
 // CursorEngine: the client-side cursor behind every Recordset. It owns the
 // rows fetched into memory, the visible order (Filter), the current position,
-// the edit buffer, and the write-back of changes to the base table through
-// the connection's driver. Recordset and Field are thin handles over it.
+// Find, and the edit buffer. Where a change goes when it is committed is not
+// its business: a RowWriter handed over with the rows writes it (write-back
+// to the base table lives in WriteBack.h), or nothing does and the change
+// stays in memory. Recordset and Field are thin handles over it; the
+// statement runner (StatementRunner.h) fills it.
 //
 // Storage: the cells of all rows sit in one flat vector, row by row (the
 // driver's RowSet is moved in, never copied); a row is addressed by its
@@ -11,15 +14,15 @@
 // being edited keeps a copy of its original values.
 //
 // Rows that do not come from one driver statement (the data-shaping layer):
-// build a RowSet yourself and hand it to Load. A hierarchical result is
-// built bottom-up:
+// build a RowSet and hand it to Load. A hierarchical result is built
+// bottom-up:
 //   1. for each parent row, make the child recordset of its related child
 //      rows: auto child = std::make_shared<Recordset>();
-//      child->Engine().Load(std::move(child_rows), {source, connection});
+//      internal::LoadRecordset(*child, std::move(child_rows), {source, connection});
 //   2. append to the parent's RowSet a ColumnInfo{name, adChapter} and, in
 //      every parent row, a cell Variant(child) (an empty child recordset
 //      when the row has no children, never Empty);
-//   3. target.Load(std::move(parent_rows), options).
+//   3. LoadRecordset(target, std::move(parent_rows), options).
 // Navigation, Find, Filter and RecordCount then work on parent and children
 // alike; a chapter field's Value is the child Recordset (Variant::ObjectAs).
 // The chapters of one child level can instead share that level's rows:
@@ -29,12 +32,9 @@
 // changed copies its rows into its own storage first.
 // Rows loaded this way are read-only unless LoadOptions::write_mode says
 // otherwise: kMemory (edits change the rows in memory only), or kBaseTable
-// with the connection, for rows whose ColumnInfo still names their base
-// table and column as the driver reported them (the edits are then written
-// as for a plain SELECT). Load leaves the cursor on the first row.
+// with a writer. Load leaves the cursor on the first row.
 //
-// One thread uses an engine at a time; Field handles point into it and stay
-// valid until the recordset is closed or reopened.
+// One thread uses an engine at a time.
 #pragma once
 
 #include <cstddef>
@@ -48,9 +48,12 @@
 
 #include "kelvary/platform/DataAccessTypes.h"
 #include "kelvary/platform/Error.h"
-#include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/Variant.h"
 #include "kelvary/platform/internal/drivers/Driver.h"
+
+namespace kelvary {
+class Connection;
+}  // namespace kelvary
 
 namespace kelvary::internal {
 
@@ -60,7 +63,29 @@ class Criteria;
 enum class WriteMode {
   kReadOnly,   // changes are refused (Error 3251)
   kMemory,     // changes stay in memory (in-memory and shaped rows)
-  kBaseTable,  // changes are written to the base table of a single-table SELECT
+  kBaseTable,  // changes are written by the writer (a single-table SELECT's base table)
+};
+
+// RowChange: one change as the writer sees it, in the engine's own buffers.
+struct RowChange {
+  const std::vector<ColumnInfo>& columns;
+  const Variant* values;     // the row as it is now (Delete: as it was read)
+  const Variant* originals;  // Update: the row as it was read; otherwise null
+  const std::vector<bool>& changed;
+  std::vector<int32_t>& status;  // the writer sets the Status of fields a refusal names
+};
+
+// RowWriter: where committed changes go. Each call raises Error when the
+// change is refused, after setting the status of the fields concerned; the
+// engine then keeps the change pending.
+class RowWriter {
+ public:
+  virtual ~RowWriter() = default;
+  // Insert writes a new row; it may fill row with what the database
+  // supplied (a generated key, defaults), by ordinal.
+  virtual void Insert(const RowChange& change, Variant* row) = 0;
+  virtual void Update(const RowChange& change) = 0;
+  virtual void Delete(const RowChange& change) = 0;
 };
 
 // LoadOptions: how rows handed to Load behave.
@@ -69,6 +94,7 @@ struct LoadOptions {
   std::shared_ptr<Connection> connection;  // read back by ActiveConnection; may be null
   LockTypeEnum lock_type = adLockReadOnly;
   WriteMode write_mode = WriteMode::kReadOnly;
+  std::shared_ptr<RowWriter> writer = nullptr;  // kBaseTable: where changes go
 };
 
 // CaseInsensitiveHash / CaseInsensitiveEqual: field names are found without
@@ -89,11 +115,6 @@ class CursorEngine {
   CursorEngine(const CursorEngine&) = delete;
   CursorEngine& operator=(const CursorEngine&) = delete;
 
-  // Open runs source on connection (a SHAPE statement through the shaping
-  // layer) and holds its rows; a statement that returns no rows is run and
-  // leaves the recordset closed.
-  void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
-            CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options);
   // Load holds rows that came from elsewhere and opens the recordset on the
   // first of them. REQUIRES: closed.
   void Load(RowSet rows, LoadOptions options);
@@ -103,8 +124,12 @@ class CursorEngine {
   // recordset's rows into storage of its own. REQUIRES: closed.
   void LoadShared(std::shared_ptr<const RowSet> store, std::vector<uint32_t> rows,
                   LoadOptions options);
+  // Ran: the settings a statement that returned no rows leaves behind; the
+  // recordset stays closed.
+  void Ran(std::string source, std::shared_ptr<Connection> connection, LockTypeEnum lock_type);
   void Close();
   bool IsOpen() const { return open_; }
+  void RequireClosed() const;
 
   // Settings.
   CursorTypeEnum CursorType() const { return cursor_type_; }
@@ -134,8 +159,11 @@ class CursorEngine {
 
   // Fields.
   int32_t FieldCount() const;
-  Field& FieldAt(int32_t ordinal);
-  Field& FieldNamed(std::string_view name);
+  // CheckOrdinal: ordinal, when it names a field (otherwise Error 3265).
+  int32_t CheckOrdinal(int32_t ordinal) const;
+  // OrdinalOf: the ordinal of the field named name, without regard to case
+  // (Error 3265 when there is none).
+  int32_t OrdinalOf(std::string_view name) const;
   bool HasField(std::string_view name) const;
   const ColumnInfo& Column(int32_t ordinal) const { return columns_[static_cast<size_t>(ordinal)]; }
   const Variant& Value(int32_t ordinal) const {
@@ -166,11 +194,9 @@ class CursorEngine {
   }
 
  private:
-  struct BaseTable;
   struct EqualityIndex;
 
   void RequireOpen() const;
-  void RequireClosed() const;
   [[noreturn]] static void ThrowNoCurrentRecord();
   [[noreturn]] static void ThrowClosed();
   bool HasCurrent() const {
@@ -196,18 +222,6 @@ class CursorEngine {
   ptrdiff_t PositionOfRow(uint32_t row) const;
   ptrdiff_t FindByIndex(const Criteria& criteria, ptrdiff_t from, int step);
 
-  // Write-back (kBaseTable).
-  BaseTable& Base();
-  DriverConnection& Driver();
-  void WriteInsert(uint32_t row);
-  void WriteUpdate(uint32_t row);
-  void WriteDelete(uint32_t row);
-  std::string LocateClause(const Variant* originals, const std::vector<bool>* changed,
-                           std::vector<Variant>& params);
-  void Resync(uint32_t row, const std::vector<Variant>& key_values);
-  void MarkFailedFields(const Error& error);
-  void RecordError(const Error& error) const;
-
   // Settings, kept while closed.
   std::string source_;
   std::shared_ptr<Connection> connection_;
@@ -216,10 +230,10 @@ class CursorEngine {
   int32_t max_records_ = 0;
   bool open_ = false;
   WriteMode write_mode_ = WriteMode::kReadOnly;
+  std::shared_ptr<RowWriter> writer_;
 
   // Rows.
   std::vector<ColumnInfo> columns_;
-  std::vector<Field> fields_;
   std::unordered_map<std::string, int32_t, CaseInsensitiveHash, CaseInsensitiveEqual> names_;
   size_t width_ = 0;
   std::vector<Variant> cells_;
@@ -248,12 +262,15 @@ class CursorEngine {
   std::vector<int32_t> status_;
   ptrdiff_t pos_before_add_ = 0;
 
-  std::unique_ptr<BaseTable> base_;
   std::unique_ptr<EqualityIndex> index_;
 };
 
 // QuoteName: a table or column name as SQL text: as it stands when it is a
 // plain name, else in double quotes.
 std::string QuoteName(const std::string& name);
+
+// ConvertForColumn: a value assigned to a field, in the field's own type, so
+// that what is read back and what is written are what the column holds.
+Variant ConvertForColumn(DataTypeEnum type, const Variant& value);
 
 }  // namespace kelvary::internal

@@ -5,11 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Error.h"
-#include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/internal/CursorEngine.h"
 #include "kelvary/platform/internal/drivers/Driver.h"
 #include "kelvary/platform/internal/shape/RelateIndex.h"
 #include "kelvary/platform/internal/shape/ShapeParser.h"
@@ -17,17 +14,12 @@
 namespace kelvary::shape {
 namespace {
 
-using internal::LoadOptions;
-using internal::WriteMode;
-
 constexpr const char* kSource = "Shape";
 
 // How every level of one statement is run and held.
 struct Run {
-  std::shared_ptr<Connection> connection;
   DriverConnection& driver;
-  LockTypeEnum lock_type;
-  WriteMode write_mode;
+  const ChapterMaker& make_chapter;
 };
 
 std::string LevelName(const ShapeLevel& level) {
@@ -61,9 +53,8 @@ RowSet RunLevel(const ShapeLevel& level, const Run& run, int32_t max_rows);
 // Chapters: runs a child level once and makes, for every row of the parent,
 // the recordset of its related child rows (an empty one when there are
 // none).
-std::vector<std::shared_ptr<Recordset>> Chapters(const ShapeLevel& parent_level,
-                                                 const RowSet& parent, const ShapeChild& child,
-                                                 const Run& run) {
+std::vector<Variant> Chapters(const ShapeLevel& parent_level, const RowSet& parent,
+                              const ShapeChild& child, const Run& run) {
   RowSet rows = RunLevel(child.level, run, 0);
   std::vector<size_t> parent_columns;
   std::vector<size_t> child_columns;
@@ -82,8 +73,7 @@ std::vector<std::shared_ptr<Recordset>> Chapters(const ShapeLevel& parent_level,
     if (g != RelateGroups::kNoGroup) ++holders[static_cast<size_t>(g)];
   }
   const auto store = std::make_shared<const RowSet>(std::move(rows));
-  const LoadOptions options{child.level.command, run.connection, run.lock_type, run.write_mode};
-  std::vector<std::shared_ptr<Recordset>> chapters;
+  std::vector<Variant> chapters;
   chapters.reserve(groups.parent_group.size());
   for (int32_t g : groups.parent_group) {
     std::vector<uint32_t> members;
@@ -95,9 +85,7 @@ std::vector<std::shared_ptr<Recordset>> Chapters(const ShapeLevel& parent_level,
         members = list;
       }
     }
-    auto recordset = std::make_shared<Recordset>();
-    recordset->Engine().LoadShared(store, std::move(members), options);
-    chapters.push_back(std::move(recordset));
+    chapters.push_back(run.make_chapter(store, std::move(members), child.level.command));
   }
   return chapters;
 }
@@ -116,7 +104,7 @@ RowSet RunLevel(const ShapeLevel& level, const Run& run, int32_t max_rows) {
   RowSet rows = std::move(result.rows);
   if (level.children.empty()) return rows;
 
-  std::vector<std::vector<std::shared_ptr<Recordset>>> chapters;
+  std::vector<std::vector<Variant>> chapters;
   chapters.reserve(level.children.size());
   for (const ShapeChild& child : level.children) {
     chapters.push_back(Chapters(level, rows, child, run));
@@ -143,24 +131,17 @@ RowSet RunLevel(const ShapeLevel& level, const Run& run, int32_t max_rows) {
     Variant* row = rows.cells.data() + r * width;
     std::move(row, row + width, std::back_inserter(shaped.cells));
     for (auto& column : chapters)
-      shaped.cells.emplace_back(std::move(column[r]));
+      shaped.cells.push_back(std::move(column[r]));
   }
   return shaped;
 }
 
 }  // namespace
 
-void OpenShape(const std::string& command, const std::shared_ptr<Connection>& connection,
-               internal::CursorEngine& target, const ShapeRequest& request) {
+RowSet RunShape(const std::string& command, DriverConnection& driver, int32_t max_records,
+                const ChapterMaker& make_chapter) {
   const ShapeLevel top = ParseShape(command);
-  const LockTypeEnum lock =
-      request.lock_type == adLockUnspecified ? adLockReadOnly : request.lock_type;
-  // Shaped rows keep their base table and column, so a level read from one
-  // table writes its changes back as a plain SELECT's rows do.
-  const Run run{connection, connection->Driver(), lock,
-                lock == adLockReadOnly ? WriteMode::kReadOnly : WriteMode::kBaseTable};
-  RowSet rows = RunLevel(top, run, request.max_records);
-  target.Load(std::move(rows), LoadOptions{command, connection, lock, run.write_mode});
+  return RunLevel(top, Run{driver, make_chapter}, max_records);
 }
 
 }  // namespace kelvary::shape

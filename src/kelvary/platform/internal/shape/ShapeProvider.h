@@ -1,35 +1,31 @@
-// ShapeProvider: the seam between the cursor engine and the data-shaping
-// layer. A statement whose first word is SHAPE (after blanks, in any case)
-// never reaches a driver: Recordset::Open and Connection::Execute hand it to
-// OpenShape, which runs each level on the connection's driver and loads the
-// hierarchical result into the target engine (see internal/CursorEngine.h
-// for how such a result is built). Everything else goes to the driver
-// unchanged.
+// ShapeProvider: the data-shaping layer's way in. A statement whose first
+// word is SHAPE (after blanks, in any case) never reaches a driver as it
+// stands: the statement runner (internal/StatementRunner.h) hands it to
+// RunShape, which runs each level on the driver and returns the top level's
+// rows with their chapters. Everything else goes to the driver unchanged.
 //
-// OpenShape reads the statement (ShapeParser.h), runs each level's command
+// RunShape reads the statement (ShapeParser.h), runs each level's command
 // once on the driver, groups every child level's rows under their parents
-// by the RELATE columns (RelateIndex.h) and appends one chapter field per
-// child to the parent rows: a Recordset of the related rows, sharing the
-// level's rows with the other chapters of that level.
+// by the RELATE columns (RelateIndex.h) and appends one chapter column per
+// child to the parent rows. A chapter cell holds what the caller's
+// ChapterMaker makes of the related rows (a Recordset sharing the level's
+// rows with the other chapters of that level), so that the shaping layer
+// knows nothing of recordsets.
 //
 // Called on the thread that uses the connection.
 #pragma once
 
 #include <cctype>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "kelvary/platform/DataAccessTypes.h"
 #include "kelvary/platform/Text.h"
-
-namespace kelvary {
-class Connection;
-namespace internal {
-class CursorEngine;
-}  // namespace internal
-}  // namespace kelvary
+#include "kelvary/platform/Variant.h"
+#include "kelvary/platform/internal/drivers/Driver.h"
 
 namespace kelvary::shape {
 
@@ -45,18 +41,17 @@ inline bool IsShapeCommand(std::string_view text) {
          text[after] == '{' || text[after] == '(';
 }
 
-// ShapeRequest: what the caller of Open asked for.
-struct ShapeRequest {
-  CursorTypeEnum cursor_type = adOpenStatic;
-  LockTypeEnum lock_type = adLockReadOnly;
-  int32_t max_records = 0;  // 0: all rows of the top level
-};
+// ChapterMaker: the cell value of one chapter: the rows numbered rows (in
+// ascending order) of store, the result of the child level whose command is
+// source. store is shared by every chapter of the level and never changed.
+using ChapterMaker = std::function<Variant(const std::shared_ptr<const RowSet>& store,
+                                           std::vector<uint32_t> rows, const std::string& source)>;
 
-// OpenShape runs the SHAPE statement command on connection and loads the
-// result into target (target.Load). Raises Error on a statement it cannot
-// read or that a level's driver rejects; target then stays closed.
-// REQUIRES: connection open, target closed.
-void OpenShape(const std::string& command, const std::shared_ptr<Connection>& connection,
-               internal::CursorEngine& target, const ShapeRequest& request);
+// RunShape runs the SHAPE statement command on driver: the top level's rows
+// (at most max_records of them; 0: all) with a chapter column per child.
+// Raises Error on a statement it cannot read or that a level's driver
+// rejects.
+RowSet RunShape(const std::string& command, DriverConnection& driver, int32_t max_records,
+                const ChapterMaker& make_chapter);
 
 }  // namespace kelvary::shape
