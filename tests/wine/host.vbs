@@ -276,7 +276,7 @@ Sub TestBadCalls
   On Error Resume Next
   Dim r
   r = link.GetDescription(1)
-  Check Err.Number = 449, "a missing required argument: error 449 (" & Err.Number & ")"
+  Check Err.Number = 450, "too few arguments: error 450 (" & Err.Number & ")"
   Err.Clear
   r = link.GetDescription("seven", 7)
   Check Err.Number = 13, "a text where a number goes: type mismatch (" & Err.Number & ")"

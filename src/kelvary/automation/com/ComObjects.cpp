@@ -1,5 +1,6 @@
 #include "kelvary/automation/com/ComObjects.h"
 
+#include <dispex.h>
 #include <olectl.h>
 
 #include <exception>
@@ -405,17 +406,29 @@ automation::DispId HostObject::GetIdOfName(std::string_view name) {
   std::wstring wide = Widen(name);
   LPOLESTR names[1] = {wide.data()};
   DISPID id = DISPID_UNKNOWN;
-  if (FAILED(dispatch_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id))) {
-    return automation::kDispIdUnknown;
+  if (SUCCEEDED(dispatch_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id))) {
+    return id;
   }
-  return id;
+  // Some script engines name their objects' members only through the
+  // extended interface.
+  IDispatchEx* extended = nullptr;
+  if (SUCCEEDED(
+          dispatch_->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&extended))) &&
+      extended != nullptr) {
+    BSTR bstr = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    const HRESULT hr = extended->GetDispID(bstr, fdexNameCaseInsensitive, &id);
+    SysFreeString(bstr);
+    extended->Release();
+    if (SUCCEEDED(hr)) return id;
+  }
+  return automation::kDispIdUnknown;
 }
 
 Variant HostObject::Invoke(automation::DispId id, automation::InvokeFlags flags,
                            std::span<automation::Arg> args) {
   const UINT count = static_cast<UINT>(args.size());
-  // By-reference arguments travel as VARIANT references to a VARIANT of
-  // ours, read back after the call.
+  // By-reference arguments travel as references into a VARIANT of ours,
+  // read back after the call.
   std::vector<VARIANT> values(count);
   std::vector<VARIANT> slots(count);
   struct Cleanup {
@@ -436,8 +449,15 @@ Variant HostObject::Invoke(automation::DispId id, automation::InvokeFlags flags,
     }
     ToVariant(args[k].value, &values[k]);
     if (args[k].by_ref) {
-      V_VT(&slots[slot]) = VT_VARIANT | VT_BYREF;
-      V_VARIANTREF(&slots[slot]) = &values[k];
+      // A typed reference for a typed value (a Boolean, a Long, a Double, a
+      // String), as a host whose handler declares `ByRef bContinue As
+      // Boolean` takes it; a reference to the VARIANT for anything else.
+      const VARTYPE type = V_VT(&values[k]);
+      const bool typed = type == VT_BOOL || type == VT_I2 || type == VT_I4 || type == VT_R4 ||
+                         type == VT_R8 || type == VT_CY || type == VT_DATE || type == VT_BSTR;
+      V_VT(&slots[slot]) = typed ? static_cast<VARTYPE>(type | VT_BYREF) : VT_VARIANT | VT_BYREF;
+      V_BYREF(&slots[slot]) =
+          typed ? static_cast<void*>(&V_I4(&values[k])) : static_cast<void*>(&values[k]);
     } else {
       slots[slot] = values[k];  // shares the value; cleared once through values
     }
