@@ -18,15 +18,23 @@ using kelvary::fuzz::Refused;
 
 namespace {
 
-std::string DatabaseFile() {
-  static const std::string path = [] {
-    const auto file =
+// The database file, made once and removed when the run ends.
+const std::string& DatabaseFile() {
+  struct File {
+    std::string path;
+    ~File() {
+      std::error_code ignored;
+      for (const char* suffix : {"", "-wal", "-shm"})
+        std::filesystem::remove(path + suffix, ignored);
+    }
+  };
+  static const File file{[] {
+    const auto path =
         std::filesystem::temp_directory_path() /
         ("kelvary-fuzz-shape-" +
          std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()) + ".db");
-    std::filesystem::remove(file);
     Connection c;
-    c.Open("Provider=SQLite;Data Source=" + file.string() + ";Mode=ReadWriteCreate");
+    c.Open("Provider=SQLite;Data Source=" + path.string() + ";Mode=ReadWriteCreate");
     ExecuteScript(c, R"sql(
       CREATE TABLE p (ID INTEGER PRIMARY KEY, Name TEXT, Born DATE);
       CREATE TABLE v (ID INTEGER PRIMARY KEY, PID INTEGER, Seen DATE, Fee CURRENCY);
@@ -37,10 +45,9 @@ std::string DatabaseFile() {
       INSERT INTO n VALUES (100, 10, 'first'), (101, 10, 'second'), (102, 12, NULL);
     )sql");
     c.Close();
-    std::atexit([] { std::filesystem::remove(DatabaseFile()); });
-    return file.string();
-  }();
-  return path;
+    return path.string();
+  }()};
+  return file.path;
 }
 
 bool ReachesBeyondTheDatabase(std::string_view text) {
