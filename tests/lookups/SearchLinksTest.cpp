@@ -1,5 +1,5 @@
 #include "LookupsFixture.h"
-#include "kelvary/lookups/MetadataIndex.h"
+#include "kelvary/lookups/internal/MetadataIndex.h"
 #include "support/TestDatabase.h"
 
 namespace kelvary::testing {

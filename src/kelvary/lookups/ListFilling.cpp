@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Messages.h"
 

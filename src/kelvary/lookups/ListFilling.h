@@ -14,7 +14,7 @@
 #include "kelvary/lookups/SearchLinks.h"
 #include "kelvary/platform/HostControls.h"
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::lookups {
 

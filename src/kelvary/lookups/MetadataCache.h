@@ -13,11 +13,11 @@
 #include <memory>
 #include <string>
 
-#include "kelvary/lookups/MetadataIndex.h"
+#include "kelvary/lookups/internal/MetadataIndex.h"
 #include "kelvary/platform/KeyedCollection.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/platform/Variant.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::lookups {
 

@@ -4,9 +4,9 @@
 // through the metadata index; values and parents from the main database.
 #include <string>
 
-#include "kelvary/lookups/LookupQuery.h"
-#include "kelvary/lookups/MultiSelectOption.h"
 #include "kelvary/lookups/SearchLinks.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
+#include "kelvary/lookups/internal/MultiSelectOption.h"
 #include "kelvary/platform/Messages.h"
 
 namespace kelvary::lookups {

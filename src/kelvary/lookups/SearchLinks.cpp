@@ -7,8 +7,8 @@
 
 #include <string>
 
-#include "kelvary/lookups/LookupQuery.h"
-#include "kelvary/lookups/MultiSelectOption.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
+#include "kelvary/lookups/internal/MultiSelectOption.h"
 #include "kelvary/platform/Messages.h"
 
 namespace kelvary::lookups {

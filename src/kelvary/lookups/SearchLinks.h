@@ -22,7 +22,7 @@
 #include "kelvary/lookups/MetadataCache.h"
 #include "kelvary/lookups/ValueLookups.h"
 #include "kelvary/platform/HostControls.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::lookups {
 

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <string>
 
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/sql/DataLinx.h"

@@ -13,7 +13,7 @@
 #include <string>
 
 #include "kelvary/platform/Variant.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::lookups {
 

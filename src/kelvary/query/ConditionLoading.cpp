@@ -1,7 +1,7 @@
 // QueryInterpretor::LoadTemplateConditions: the condition groups of a query
 // template, the parameters hung under them, the sort options, and the two
 // flags AreThereAnyParameters answers from.
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/query/QueryInterpretor.h"
 #include "kelvary/query/internal/ActiveLink.h"
 

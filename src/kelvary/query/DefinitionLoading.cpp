@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/lookups/ValueLookups.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/query/internal/ActiveLink.h"
 
 namespace kelvary::query_internal {

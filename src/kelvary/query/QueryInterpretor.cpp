@@ -8,7 +8,7 @@
 #include "kelvary/platform/Messages.h"
 #include "kelvary/query/internal/ActiveLink.h"
 #include "kelvary/query/internal/DefinitionLoading.h"
-#include "kelvary/service/InfoLinkPort.h"
+#include "kelvary/service/internal/InfoLinkPort.h"
 
 namespace kelvary {
 

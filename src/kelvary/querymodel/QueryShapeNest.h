@@ -66,8 +66,9 @@ class QueryShapeNest : public Object {
   void ClearTables();
 
   // UpdateSqlStmts rebuilds FieldsList, TablesList, TableJoins and
-  // GroupByList from the level's tables and sorted output fields.
-  // Defined with the statement builder, in kelvary/query/ShapeLevelSql.cpp.
+  // GroupByList from the level's tables and sorted output fields. Link
+  // fields it does not find among them are named by the active service
+  // object (Error 91 without one).
   void UpdateSqlStmts();
 
  private:

@@ -12,7 +12,7 @@
 #include <string>
 #include <type_traits>
 
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"

@@ -15,7 +15,7 @@
 #include <string>
 
 #include "kelvary/lookups/MetadataCache.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::records {
 

@@ -24,7 +24,7 @@
 #include <string>
 #include <type_traits>
 
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/platform/Messages.h"
 
 namespace kelvary::records {

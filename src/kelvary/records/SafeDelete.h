@@ -16,7 +16,7 @@
 #include "kelvary/lookups/MetadataCache.h"
 #include "kelvary/lookups/ValueLookups.h"
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::records {
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Transaction.h"
 

@@ -6,7 +6,7 @@
 // Borrows the ServicePort, which must outlive it. One thread.
 #pragma once
 
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::records {
 

@@ -4,16 +4,16 @@
 #include <exception>
 
 #include "kelvary/lookups/ListFilling.h"
-#include "kelvary/lookups/LookupQuery.h"
 #include "kelvary/lookups/MetadataCache.h"
 #include "kelvary/lookups/SearchLinks.h"
 #include "kelvary/lookups/ValueLookups.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/records/KeyGenerator.h"
 #include "kelvary/records/SafeDelete.h"
 #include "kelvary/records/SampleData.h"
-#include "kelvary/service/InfoLinkPort.h"
+#include "kelvary/service/internal/InfoLinkPort.h"
 
 namespace kelvary {
 namespace {

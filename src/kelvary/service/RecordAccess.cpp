@@ -5,7 +5,7 @@
 #include "kelvary/platform/Messages.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/service/InfoLink.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary {
 namespace {

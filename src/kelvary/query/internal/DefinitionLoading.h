@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "kelvary/query/QueryInterpretor.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::query_internal {
 

@@ -1,6 +1,8 @@
 // QueryShapeNest::UpdateSqlStmts: the clause lists of one level's SELECT
 // (fields, tables, joins, grouping), built from the tables and output fields
-// the query interpreter hung under the level.
+// the query interpreter hung under the level. Defined beside the class; it
+// reads field names through the active service object, as the interpreter
+// does.
 //
 // Link fields. A level with children (bUseParentFieldLink) relates to them by
 // the field ParentFieldLinkID of its own base table; a level with a parent
@@ -19,15 +21,26 @@
 #include <string_view>
 
 #include "kelvary/platform/Error.h"
-#include "kelvary/query/internal/ActiveLink.h"
 #include "kelvary/querymodel/QueryShapeNest.h"
+#include "kelvary/service/InfoLink.h"
 
 namespace kelvary {
-
-using query_internal::FieldNameOf;
-using query_internal::Key;
-
 namespace {
+
+// Key: a collection key, the letter followed by the ID in decimal.
+std::string Key(char letter, int32_t id) {
+  return letter + std::to_string(id);
+}
+
+// FieldNameOf: the name of DataTableFields row id, "" when there is none;
+// Error 91 without an active service object.
+std::string FieldNameOf(int32_t id) {
+  InfoLink* link = ActiveInfoLink();
+  if (link == nullptr) {
+    throw Error(kErrObjectVariableNotSet, "Object variable or With block variable not set");
+  }
+  return link->GetDescriptionFromCode(id, "DataTableFields", "FieldName", "ID", pdssystem, "");
+}
 
 // AggregateName: the SQL function of an aggregate role; "" for 5 and every
 // value that is no aggregate. "?" for the standard error and the lower-case

@@ -1,4 +1,4 @@
-#include "kelvary/lookups/MetadataIndex.h"
+#include "kelvary/lookups/internal/MetadataIndex.h"
 
 #include <cmath>
 #include <exception>

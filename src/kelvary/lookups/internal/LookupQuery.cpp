@@ -1,4 +1,4 @@
-#include "kelvary/lookups/LookupQuery.h"
+#include "kelvary/lookups/internal/LookupQuery.h"
 
 #include <exception>
 

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "kelvary/platform/Recordset.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary::lookups {
 

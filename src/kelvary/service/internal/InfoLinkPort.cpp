@@ -1,4 +1,4 @@
-#include "kelvary/service/InfoLinkPort.h"
+#include "kelvary/service/internal/InfoLinkPort.h"
 
 namespace kelvary {
 

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "kelvary/service/InfoLink.h"
-#include "kelvary/service/ServicePort.h"
+#include "kelvary/service/internal/ServicePort.h"
 
 namespace kelvary {
 
