@@ -14,8 +14,9 @@ launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache)
 for arch in "${archs[@]}"; do
   cmake -S "$root" -B "$out/$arch" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-$arch.cmake" \
-    -DCMAKE_BUILD_TYPE=Release -DKELVARY_BUILD_TESTS=OFF -DKELVARY_BUILD_BENCHMARKS=OFF \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" -DKELVARY_BUILD_TESTS=OFF -DKELVARY_BUILD_BENCHMARKS=OFF \
     -DSQLite3_INCLUDE_DIR="$out/sqlite/$arch" -DSQLite3_LIBRARY="$out/sqlite/$arch/libsqlite3.a" \
     "${launcher[@]}" >/dev/null
-  cmake --build "$out/$arch" -j "${KELVARY_JOBS:-2}" --target "${KELVARY_WIN_TARGETS:-all}"
+  cmake --build "$out/$arch" -j "${KELVARY_JOBS:-$(nproc 2>/dev/null || echo 2)}" \
+    --target kelvary_com kelvary_event_client
 done

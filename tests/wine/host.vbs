@@ -84,6 +84,8 @@ Sub TestCreation
   Set link = CreateObject("Kelvary.InfoLink")
   CheckNoError "CreateObject(""Kelvary.InfoLink"")"
   Check IsObject(link), "the service object is created by its ProgID"
+  Check InStr(TypeName(link), "InfoLink") > 0, _
+        "its type information names its class (" & TypeName(link) & ")"
   Check link.ORDERFIELD1 = "FirstName" And link.orderfield3 = "LastName", _
         "settings start at their defaults, names in any case"
   link.CoreDataTable = "patients"
