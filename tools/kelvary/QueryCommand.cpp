@@ -24,12 +24,16 @@ const char* BuildMethodName(QueryBuildMethods method) {
   }
 }
 
-// The description part of a failure message: its last line.
+// The description part of a failure message: what follows its first line
+// (which repeats the statement), on one line. A server's description takes
+// several lines: its own message, the driver's, the SQLSTATE and the text
+// sent; all of them are kept.
 std::string Reason(const std::string& message) {
   const size_t end = message.find_last_not_of("\r\n");
   if (end == std::string::npos) return message;
-  const size_t start = message.find_last_of("\r\n", end);
-  return message.substr(start == std::string::npos ? 0 : start + 1, end - start);
+  const size_t first = message.find_first_of("\r\n");
+  if (first == std::string::npos || first > end) return message.substr(0, end + 1);
+  return OneLine(message.substr(message.find_first_not_of("\r\n", first), std::string::npos));
 }
 
 void ReportNotes(MessageCatcher& catcher, std::ostream& out) {
