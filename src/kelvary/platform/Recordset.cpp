@@ -16,27 +16,35 @@ constexpr int32_t kErrConnectionUnusable = 3709;
 // their level's rows. Shaped rows keep their base table and column, so a
 // level read from one table writes its changes back as a plain SELECT's
 // rows do; the chapters of one level share one writer.
-shape::ChapterMaker Chapters(std::shared_ptr<Connection> connection,
-                             std::shared_ptr<internal::Session> session, LockTypeEnum lock) {
-  struct Level {
-    const RowSet* store = nullptr;
-    std::shared_ptr<internal::RowWriter> writer;
-  };
-  return [connection = std::move(connection), session = std::move(session), lock, level = Level()](
-             const std::shared_ptr<const RowSet>& store, std::vector<uint32_t> rows,
-             const std::string& source) mutable {
-    internal::LoadOptions options{source, connection, lock, internal::WriteMode::kReadOnly};
-    if (lock != adLockReadOnly) {
-      if (level.store != store.get())
-        level = {store.get(), internal::BaseTableWriter(session, store->columns)};
+class Chapters final : public shape::ChapterMaker {
+ public:
+  Chapters(const std::shared_ptr<Connection>& connection,
+           const std::shared_ptr<internal::Session>& session, LockTypeEnum lock)
+      : connection_(connection), session_(session), lock_(lock) {}
+
+  Variant Chapter(const std::shared_ptr<const RowSet>& store, std::vector<uint32_t> rows,
+                  const std::string& source) override {
+    internal::LoadOptions options{source, connection_, lock_, internal::WriteMode::kReadOnly};
+    if (lock_ != adLockReadOnly) {
+      if (store_ != store.get()) {
+        store_ = store.get();
+        writer_ = internal::BaseTableWriter(session_, store->columns);
+      }
       options.write_mode = internal::WriteMode::kBaseTable;
-      options.writer = level.writer;
+      options.writer = writer_;
     }
     auto chapter = std::make_shared<Recordset>();
     internal::LoadRecordset(*chapter, store, std::move(rows), std::move(options));
     return Variant(std::move(chapter));
-  };
-}
+  }
+
+ private:
+  const std::shared_ptr<Connection>& connection_;
+  const std::shared_ptr<internal::Session>& session_;
+  LockTypeEnum lock_;
+  const RowSet* store_ = nullptr;  // the level writer_ writes for
+  std::shared_ptr<internal::RowWriter> writer_;
+};
 
 }  // namespace
 
@@ -57,8 +65,8 @@ int64_t OpenRecordset(Recordset& target, const std::string& source,
                 "Recordset");
   }
   const LockTypeEnum lock = lock_type == adLockUnspecified ? adLockReadOnly : lock_type;
-  StatementResult result =
-      RunStatement(*session, text, engine.MaxRecords(), Chapters(connection, session, lock));
+  Chapters chapters(connection, session, lock);
+  StatementResult result = RunStatement(*session, text, engine.MaxRecords(), chapters);
   if (!result.has_rows) {  // the statement ran; there is nothing to hold
     engine.Ran(text, connection, lock);
     return result.records_affected;

@@ -157,6 +157,8 @@ void CursorEngine::Opened(LoadOptions options) {
   order_.resize(count);
   std::iota(order_.begin(), order_.end(), 0u);
   names_.clear();
+  for (AskedName& asked : asked_)
+    asked.ordinal = -1;
   for (size_t i = 0; i < width_; ++i) {
     names_.emplace(columns_[i].name, static_cast<int32_t>(i));  // the first of a name wins
   }
@@ -192,6 +194,8 @@ void CursorEngine::Close() {
   on_deleted_ = false;
   columns_.clear();
   names_.clear();
+  for (AskedName& asked : asked_)
+    asked.ordinal = -1;
   cells_.clear();
   cells_.shrink_to_fit();
   store_.reset();
@@ -546,20 +550,15 @@ int32_t CursorEngine::FieldCount() const {
   return static_cast<int32_t>(width_);
 }
 
-int32_t CursorEngine::CheckOrdinal(int32_t ordinal) const {
-  RequireOpen();
-  if (ordinal < 0 || static_cast<size_t>(ordinal) >= width_) {
-    throw Error(kErrItemNotFound,
-                "Item cannot be found in the collection corresponding to the requested name or "
-                "ordinal. (Ordinal " +
-                    std::to_string(ordinal) + ")",
-                kSource);
-  }
-  return ordinal;
+void CursorEngine::ThrowNoOrdinal(int32_t ordinal) {
+  throw Error(kErrItemNotFound,
+              "Item cannot be found in the collection corresponding to the requested name or "
+              "ordinal. (Ordinal " +
+                  std::to_string(ordinal) + ")",
+              kSource);
 }
 
-int32_t CursorEngine::OrdinalOf(std::string_view name) const {
-  RequireOpen();
+int32_t CursorEngine::LookUpOrdinal(std::string_view name) const {
   auto it = names_.find(name);
   if (it == names_.end()) {
     throw Error(kErrItemNotFound,
@@ -568,6 +567,9 @@ int32_t CursorEngine::OrdinalOf(std::string_view name) const {
                     std::string(name) + "\")",
                 kSource);
   }
+  AskedName& asked = asked_[AskedSlot(name)];
+  asked.name.assign(name);
+  asked.ordinal = it->second;
   return it->second;
 }
 

@@ -37,6 +37,7 @@
 // One thread uses an engine at a time.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -160,10 +161,21 @@ class CursorEngine {
   // Fields.
   int32_t FieldCount() const;
   // CheckOrdinal: ordinal, when it names a field (otherwise Error 3265).
-  int32_t CheckOrdinal(int32_t ordinal) const;
+  int32_t CheckOrdinal(int32_t ordinal) const {
+    if (!open_) ThrowClosed();
+    if (ordinal < 0 || static_cast<size_t>(ordinal) >= width_) ThrowNoOrdinal(ordinal);
+    return ordinal;
+  }
   // OrdinalOf: the ordinal of the field named name, without regard to case
-  // (Error 3265 when there is none).
-  int32_t OrdinalOf(std::string_view name) const;
+  // (Error 3265 when there is none). A walk asks for the same few names on
+  // every row: the names last asked for are kept as spelled, so that asking
+  // again is one comparison.
+  int32_t OrdinalOf(std::string_view name) const {
+    if (!open_) ThrowClosed();
+    const AskedName& asked = asked_[AskedSlot(name)];
+    if (asked.ordinal >= 0 && std::string_view(asked.name) == name) return asked.ordinal;
+    return LookUpOrdinal(name);
+  }
   bool HasField(std::string_view name) const;
   const ColumnInfo& Column(int32_t ordinal) const { return columns_[static_cast<size_t>(ordinal)]; }
   const Variant& Value(int32_t ordinal) const {
@@ -195,10 +207,23 @@ class CursorEngine {
 
  private:
   struct EqualityIndex;
+  struct AskedName {
+    std::string name;
+    int32_t ordinal = -1;
+  };
+  static constexpr size_t kAskedSlots = 16;
+  static size_t AskedSlot(std::string_view name) {
+    return name.empty() ? 0
+                        : (name.size() * 31 + static_cast<unsigned char>(name.front()) * 7 +
+                           static_cast<unsigned char>(name.back())) %
+                              kAskedSlots;
+  }
+  int32_t LookUpOrdinal(std::string_view name) const;
 
   void RequireOpen() const;
   [[noreturn]] static void ThrowNoCurrentRecord();
   [[noreturn]] static void ThrowClosed();
+  [[noreturn]] static void ThrowNoOrdinal(int32_t ordinal);
   bool HasCurrent() const {
     return !on_deleted_ && pos_ >= 0 && pos_ < static_cast<ptrdiff_t>(order_.size());
   }
@@ -235,6 +260,7 @@ class CursorEngine {
   // Rows.
   std::vector<ColumnInfo> columns_;
   std::unordered_map<std::string, int32_t, CaseInsensitiveHash, CaseInsensitiveEqual> names_;
+  mutable std::array<AskedName, kAskedSlots> asked_;  // see OrdinalOf
   size_t width_ = 0;
   std::vector<Variant> cells_;
   // Rows held in a shared store (LoadShared) until one changes: row id i is

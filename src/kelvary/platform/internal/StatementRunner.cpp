@@ -5,7 +5,7 @@
 namespace kelvary::internal {
 
 StatementResult RunStatement(Session& session, const std::string& text, int32_t max_records,
-                             const shape::ChapterMaker& make_chapter) {
+                             shape::ChapterMaker& make_chapter) {
   return session.Run([&] {
     DriverConnection& driver = session.Driver();
     if (!shape::IsShapeCommand(text)) return driver.Run(text, {}, max_records);

@@ -22,6 +22,6 @@ namespace kelvary::internal {
 // operation of the session: a failure becomes the connection's errors.
 // REQUIRES: session open (otherwise Error 3704, recorded too).
 StatementResult RunStatement(Session& session, const std::string& text, int32_t max_records,
-                             const shape::ChapterMaker& make_chapter);
+                             shape::ChapterMaker& make_chapter);
 
 }  // namespace kelvary::internal

@@ -196,6 +196,7 @@ class Writer final : public RowWriter {
   void WriteUpdate(const RowChange& change) {
     DriverConnection& driver = Driver();
     std::vector<Variant> params;
+    params.reserve(base_columns_.size() * 2);  // the values written, then those that locate
     for (int32_t c : base_columns_) {
       if (change.changed[static_cast<size_t>(c)]) params.push_back(change.values[c]);
     }

@@ -19,7 +19,7 @@ constexpr const char* kSource = "Shape";
 // How every level of one statement is run and held.
 struct Run {
   DriverConnection& driver;
-  const ChapterMaker& make_chapter;
+  ChapterMaker& make_chapter;
 };
 
 std::string LevelName(const ShapeLevel& level) {
@@ -85,7 +85,7 @@ std::vector<Variant> Chapters(const ShapeLevel& parent_level, const RowSet& pare
         members = list;
       }
     }
-    chapters.push_back(run.make_chapter(store, std::move(members), child.level.command));
+    chapters.push_back(run.make_chapter.Chapter(store, std::move(members), child.level.command));
   }
   return chapters;
 }
@@ -139,7 +139,7 @@ RowSet RunLevel(const ShapeLevel& level, const Run& run, int32_t max_rows) {
 }  // namespace
 
 RowSet RunShape(const std::string& command, DriverConnection& driver, int32_t max_records,
-                const ChapterMaker& make_chapter) {
+                ChapterMaker& make_chapter) {
   const ShapeLevel top = ParseShape(command);
   return RunLevel(top, Run{driver, make_chapter}, max_records);
 }

@@ -17,7 +17,6 @@
 
 #include <cctype>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,17 +40,24 @@ inline bool IsShapeCommand(std::string_view text) {
          text[after] == '{' || text[after] == '(';
 }
 
-// ChapterMaker: the cell value of one chapter: the rows numbered rows (in
-// ascending order) of store, the result of the child level whose command is
-// source. store is shared by every chapter of the level and never changed.
-using ChapterMaker = std::function<Variant(const std::shared_ptr<const RowSet>& store,
-                                           std::vector<uint32_t> rows, const std::string& source)>;
+// ChapterMaker: makes the cell value of one chapter: the rows numbered
+// rows (in ascending order) of store, the result of the child level whose
+// command is source. store is shared by every chapter of the level and never
+// changed.
+class ChapterMaker {
+ public:
+  virtual Variant Chapter(const std::shared_ptr<const RowSet>& store, std::vector<uint32_t> rows,
+                          const std::string& source) = 0;
+
+ protected:
+  ~ChapterMaker() = default;
+};
 
 // RunShape runs the SHAPE statement command on driver: the top level's rows
 // (at most max_records of them; 0: all) with a chapter column per child.
 // Raises Error on a statement it cannot read or that a level's driver
 // rejects.
 RowSet RunShape(const std::string& command, DriverConnection& driver, int32_t max_records,
-                const ChapterMaker& make_chapter);
+                ChapterMaker& make_chapter);
 
 }  // namespace kelvary::shape

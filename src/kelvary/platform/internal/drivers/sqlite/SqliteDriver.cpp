@@ -12,6 +12,7 @@
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/drivers/ConstraintMessages.h"
+#include "kelvary/platform/internal/drivers/sqlite/LiteralParameters.h"
 #include "kelvary/platform/internal/drivers/sqlite/SqliteDialect.h"
 #include "kelvary/platform/internal/drivers/sqlite/SqliteTypes.h"
 
@@ -42,6 +43,17 @@ bool RestIsEmpty(const char* tail) {
     }
   }
   return true;
+}
+
+// ChangesSchema: the statement creates, alters or drops something, so that
+// a table's key may be another now.
+bool ChangesSchema(std::string_view sql) {
+  size_t i = 0;
+  while (i < sql.size() && (std::isspace(static_cast<unsigned char>(sql[i])) || sql[i] == '('))
+    ++i;
+  const std::string_view rest = sql.substr(i);
+  return StartsWithNoCase(rest, "CREATE") || StartsWithNoCase(rest, "ALTER") ||
+         StartsWithNoCase(rest, "DROP");
 }
 
 // A prepared statement with what the driver learnt about its columns.
@@ -270,10 +282,14 @@ class SqliteConnection final : public DriverConnection {
   StatementResult Run(const std::string& sql, const std::vector<Variant>& params,
                       int32_t max_rows) override {
     RequireOpen();
-    Prepared& prepared = Prepare(sql);
+    // The values a SELECT's text compares with become parameters, so that
+    // look-ups that differ only in them share one prepared statement.
+    const std::optional<ParameterizedText> literals =
+        params.empty() ? ParameterizeLiterals(sql) : std::nullopt;
+    Prepared& prepared = Prepare(literals ? literals->text : sql, sql);
     sqlite3_stmt* stmt = prepared.stmt;
     ResetOnExit reset(stmt);
-    Bind(stmt, params, sql);
+    Bind(stmt, literals ? literals->values : params, sql);
 
     StatementResult result;
     int width = sqlite3_column_count(stmt);
@@ -284,6 +300,7 @@ class SqliteConnection final : public DriverConnection {
       }
       if (rc != SQLITE_DONE) Fail(sql);
       result.records_affected = sqlite3_total_changes64(db_) != before ? sqlite3_changes64(db_) : 0;
+      if (ChangesSchema(sql)) keys_.clear();
       return result;
     }
     result.has_rows = true;
@@ -291,7 +308,8 @@ class SqliteConnection final : public DriverConnection {
     if (rc != SQLITE_ROW && rc != SQLITE_DONE) Fail(sql);
     if (sqlite3_stmt_status(stmt, SQLITE_STMTSTATUS_REPREPARE, 0) != prepared.reprepares) {
       // The schema changed since the statement was prepared: SELECT * may
-      // have other columns now.
+      // have other columns now, and tables other keys.
+      keys_.clear();
       Describe(prepared);
       width = sqlite3_column_count(stmt);
     }
@@ -320,6 +338,15 @@ class SqliteConnection final : public DriverConnection {
 
   std::vector<std::string> KeyColumns(const std::string& table) override {
     RequireOpen();
+    if (auto it = keys_.find(table); it != keys_.end()) return it->second;
+    std::vector<std::string> keys = ReadKeyColumns(table);
+    keys_.emplace(table, keys);
+    return keys;
+  }
+
+  // ReadKeyColumns asks the schema; KeyColumns keeps the answer per table
+  // until the schema changes.
+  std::vector<std::string> ReadKeyColumns(const std::string& table) {
     std::vector<std::string> keys;
     bool exists = false;
     sqlite3_stmt* stmt = nullptr;
@@ -426,7 +453,9 @@ class SqliteConnection final : public DriverConnection {
     }
   }
 
-  Prepared& Prepare(const std::string& sql) {
+  // Prepare: the prepared statement for sql, from the cache when it is
+  // there; failures name shown, the statement as the caller wrote it.
+  Prepared& Prepare(const std::string& sql, const std::string& shown) {
     if (auto it = cache_.find(sql); it != cache_.end()) {
       lru_.splice(lru_.begin(), lru_, it->second.lru);
       return it->second;
@@ -436,17 +465,17 @@ class SqliteConnection final : public DriverConnection {
     const char* tail = nullptr;
     if (sqlite3_prepare_v3(db_, text.c_str(), static_cast<int>(text.size()) + 1,
                            SQLITE_PREPARE_PERSISTENT, &stmt, &tail) != SQLITE_OK) {
-      Fail(sql);
+      Fail(shown);
     }
     if (stmt == nullptr) {
-      throw Error(kErrProviderFailure, "The statement is empty", kSource).WithStatement(sql);
+      throw Error(kErrProviderFailure, "The statement is empty", kSource).WithStatement(shown);
     }
     if (tail && !RestIsEmpty(tail)) {
       sqlite3_finalize(stmt);
       throw Error(kErrProviderFailure,
                   "The text holds more than one statement; a script runs through ExecuteScript",
                   kSource)
-          .WithStatement(sql);
+          .WithStatement(shown);
     }
     if (cache_.size() >= kCachedStatements) {
       auto oldest = cache_.find(lru_.back());
@@ -470,7 +499,6 @@ class SqliteConnection final : public DriverConnection {
     const int width = sqlite3_column_count(stmt);
     prepared.columns.assign(static_cast<size_t>(width), ColumnInfo());
     prepared.kinds.assign(static_cast<size_t>(width), ValueKind::kDynamic);
-    std::unordered_map<std::string, size_t> key_counts;  // per table, for generated keys
     for (int c = 0; c < width; ++c) {
       ColumnInfo& info = prepared.columns[static_cast<size_t>(c)];
       const char* name = sqlite3_column_name(stmt, c);
@@ -492,11 +520,8 @@ class SqliteConnection final : public DriverConnection {
         info.nullable = !not_null;
         info.key = primary != 0;
         if (primary && declared && EqualsNoCase(declared, "INTEGER")) {
-          auto it = key_counts.find(info.base_table);
-          if (it == key_counts.end()) {
-            it = key_counts.emplace(info.base_table, KeyColumns(info.base_table).size()).first;
-          }
-          info.auto_increment = it->second == 1;  // the INTEGER PRIMARY KEY is the row id
+          // The INTEGER PRIMARY KEY is the row id when it is the whole key.
+          info.auto_increment = KeyColumns(info.base_table).size() == 1;
         }
         info.auto_increment = info.auto_increment || autoinc;
       }
@@ -557,7 +582,8 @@ class SqliteConnection final : public DriverConnection {
   sqlite3* db_;
   std::string path_;
   std::unordered_map<std::string, Prepared> cache_;
-  std::list<std::string> lru_;  // most recently used first
+  std::list<std::string> lru_;                                      // most recently used first
+  std::unordered_map<std::string, std::vector<std::string>> keys_;  // KeyColumns, per table
 };
 
 }  // namespace
