@@ -34,17 +34,17 @@ sanitize: deps
 	      ctest --output-on-failure --no-tests=error -j $(JOBS)
 
 format:
-	find src tools tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+	find src tools tests bench examples -name '*.cpp' -o -name '*.h' | xargs clang-format -i
 
 # The tree is laid out by Debian 12's clang-format 14; other versions place a
 # few lines differently, so they only report.
 format-check:
 	./scripts/install-deps.sh clang-format
 	@if clang-format --version | grep -q 'version 14\.'; then \
-	  find src tools tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run -Werror; \
+	  find src tools tests bench examples -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run -Werror; \
 	else \
 	  echo "format-check: $$(clang-format --version) is not version 14; differences only reported"; \
-	  find src tools tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run 2>&1 | grep -c violations || true; \
+	  find src tools tests bench examples -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run 2>&1 | grep -c violations || true; \
 	fi
 
 clean:

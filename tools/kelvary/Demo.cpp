@@ -61,26 +61,15 @@ void LookUp(std::ostream& out, const std::string& call, const std::string& resul
 
 }  // namespace
 
-int DemoCommand(const std::vector<std::string>& args, std::ostream& out) {
-  std::string folder = "kelvary-demo";
-  std::string data_dir = DefaultDataDir();
-  bool have_folder = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == "--data") {
-      if (i + 1 >= args.size()) throw CommandError("--data needs a folder");
-      data_dir = args[++i];
-    } else if (!have_folder && !args[i].empty() && args[i][0] != '-') {
-      folder = args[i];
-      have_folder = true;
-    } else {
-      throw CommandError("unknown argument " + args[i] + " (see kelvary help)");
-    }
-  }
+int DemoCommand(const Arguments& args, Output& output) {
+  const std::string folder = args.Positional().empty() ? "kelvary-demo" : args.Positional()[0];
+  const std::string data_dir = args.Get("--data").value_or(DefaultDataDir());
+  std::ostream& out = output.stream();
 
   const DemoFiles files = BuildDemoDatabases(folder, data_dir);
   InfoLink link;
   link.CurrentUserSessionID = 1;  // the demo's session: its logout is stamped at the end
-  Connect(link, files.main, files.system);
+  Connect(link, Sources{files.main, files.system, sdbAccess}, Access::kReadWrite);
 
   out << "Kelvary demo practice in " << std::filesystem::absolute(folder).string() << "\n"
       << "  system database " << files.system << ": " << CountRows(link, pdssystem, "DataTables")
@@ -93,14 +82,14 @@ int DemoCommand(const std::vector<std::string>& args, std::ostream& out) {
   Step(out, 1, "A stored query of one level, grouped, with aggregates", [&] {
     QueryRequest request;
     request.query_id = 2;
-    RunStoredQuery(link, request, out);
+    RunStoredQuery(link, request, output);
   });
 
   Step(out, 2, "A stored query nested three deep, with sibling levels, for one patient", [&] {
     QueryRequest request;
     request.query_id = 5;
     request.record = QueryRequest::Record{1, 1, 101, ""};
-    RunStoredQuery(link, request, out);
+    RunStoredQuery(link, request, output);
   });
 
   Step(out, 3, "Look-ups through search links and a multi-select", [&] {
@@ -125,7 +114,7 @@ int DemoCommand(const std::vector<std::string>& args, std::ostream& out) {
     request.query_id = 1;
     request.template_id = 1;
     request.show_parameters = true;
-    RunStoredQuery(link, request, out);
+    RunStoredQuery(link, request, output);
   });
 
   Step(out, 5, "A stored-text query: a restriction spliced in at the level's marker", [&] {
@@ -133,7 +122,7 @@ int DemoCommand(const std::vector<std::string>& args, std::ostream& out) {
     request.query_id = 6;
     request.wheres.emplace_back(1, "Cities.ID = 13");
     request.max_rows = 8;
-    RunStoredQuery(link, request, out);
+    RunStoredQuery(link, request, output);
   });
 
   Step(out, 6, "A new key and a safe delete", [&] {

@@ -4,14 +4,13 @@
 // safe delete with its record-action events.
 #pragma once
 
-#include <ostream>
-#include <string>
-#include <vector>
+#include "Arguments.h"
+#include "Output.h"
 
 namespace kelvary::cli {
 
-// DemoCommand: "kelvary demo [DIR] [--data DIR]" (arguments after the word
-// demo). DIR defaults to kelvary-demo in the current folder.
-int DemoCommand(const std::vector<std::string>& args, std::ostream& out);
+// DemoCommand: "kelvary demo [DIR] [--data DIR]". DIR defaults to
+// kelvary-demo in the current folder.
+int DemoCommand(const Arguments& args, Output& output);
 
 }  // namespace kelvary::cli

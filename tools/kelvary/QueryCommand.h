@@ -1,15 +1,20 @@
 // kelvary query: prints the statement of a stored query and its rows (an
-// indented tree for a multi-level query). The demo walks through stored
-// queries with the same code.
+// indented tree for a multi-level query in the table form, nested arrays in
+// JSON). The demo walks through stored queries with the same code, and
+// kelvary check builds and opens every stored query with it.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "Arguments.h"
+#include "Output.h"
+#include "kelvary/query/QueryInterpretor.h"
 #include "kelvary/service/InfoLink.h"
 
 namespace kelvary::cli {
@@ -26,24 +31,40 @@ struct QueryRequest {
     int32_t table_id = 0;
     int32_t entry_id = 0;
     int32_t field_id = 0;
-    std::string field_name;
+    std::string field_name = "ID";  // when field_id is 0
+    bool field_given = false;       // by the user (checked against the table's fields)
   };
   std::optional<Record> record;  // restrict the query to one record
-  int32_t max_rows = -1;         // rows of the top level to print; -1 all
-  // The dialect the service object writes (MainDBType): Access by default,
-  // Oracle for a server that runs TO_Date and || (PostgreSQL among them).
-  StdDBTypes dialect = sdbAccess;
+  int64_t max_rows = -1;         // rows of the top level to print; -1 all
 };
 
-// RunStoredQuery loads the query through the active service object, does
-// what a host does before running it (the levels a stored text's markers
-// name, the template's conditions, the restrictions asked for), and prints
-// its statement and rows to out. An unknown query, a level that is not
-// there, or a statement that does not open raises CommandError (after the
-// statement has been printed).
-void RunStoredQuery(InfoLink& link, const QueryRequest& request, std::ostream& out);
+// PreparedQuery: a stored query loaded and made ready to run, as a host
+// does before running one: the levels a stored text's markers name, the
+// template's conditions and the restrictions asked for are in place.
+struct PreparedQuery {
+  std::unique_ptr<QueryInterpretor> qi = std::make_unique<QueryInterpretor>();
+  std::vector<std::pair<std::string, std::string>> conditions;  // level name, condition text
+  std::vector<std::string> notes;  // the system's messages while loading, if any
+};
 
-// QueryCommand: "kelvary query" with its arguments (after the word query).
-int QueryCommand(const std::vector<std::string>& args, std::ostream& out);
+// PrepareQuery loads request's query through the active service object. An
+// unknown query or template (or a template of another query), a level that
+// is not there, or a record field that is not the table's raises
+// CommandError.
+PreparedQuery PrepareQuery(InfoLink& link, const QueryRequest& request);
+
+// Opens reports whether the build method is one whose statement the
+// library opens (stored text and built queries); the others are run by the
+// host.
+bool Opens(QueryBuildMethods method);
+const char* BuildMethodName(QueryBuildMethods method);
+
+// RunStoredQuery prepares the query, prints what loading said, builds the
+// statement and prints it, then opens it and prints its rows. A statement
+// that does not open raises CommandError after the statement was printed.
+void RunStoredQuery(InfoLink& link, const QueryRequest& request, Output& out);
+
+// QueryCommand: "kelvary query".
+int QueryCommand(const Arguments& args, Output& out);
 
 }  // namespace kelvary::cli

@@ -9,13 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "Arguments.h"
 #include "kelvary/platform/Messages.h"
 #include "kelvary/service/InfoLink.h"
 
 namespace kelvary::cli {
 
-// CommandError: a problem the command reports as one line and a non-zero
-// exit.
+// CommandError: a problem the command reports as one line and exit status 1.
 class CommandError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -30,24 +30,62 @@ class MessageCatcher {
   MessageCatcher(const MessageCatcher&) = delete;
   MessageCatcher& operator=(const MessageCatcher&) = delete;
   std::vector<std::string> Take();
+  // ThrowIfAny: the messages collected so far, if any, as one CommandError.
+  void ThrowIfAny();
 
  private:
   std::shared_ptr<std::vector<std::string>> messages_;
   MessageHandler previous_;
 };
 
+// LastLine: the reason of a failure message: what follows its first line
+// (which quotes the statement), on one line. A server's reason takes several
+// lines (its message, the driver's, the SQLSTATE, the text sent); all are
+// kept.
+std::string LastLine(const std::string& message);
+
 // OneLine: text with its line breaks turned into "; ", for one-line reports.
 std::string OneLine(const std::string& text);
 
-// LooksLikeFile: whether a data-source argument names a database file (the
-// rule the connection uses: a path separator, or a .db, .sqlite or .sqlite3
-// ending) rather than an ODBC data-source name.
-bool LooksLikeFile(const std::string& source);
+// Sources: the databases a command works on (--system, --main: a SQLite
+// file or an ODBC data-source name) and the dialect the service object
+// writes (--dialect).
+struct Sources {
+  std::string main;
+  std::string system;
+  StdDBTypes dialect = sdbAccess;
+};
 
-// Connect opens the main and system databases (files or data-source names)
-// through link.ConnectDefault, which also makes link the active one. A
-// missing file or a failed connection raises CommandError.
-void Connect(InfoLink& link, const std::string& main_source, const std::string& system_source);
+// The options every command that opens the databases declares.
+extern const OptionSpec kSystemOption;
+extern const OptionSpec kMainOption;
+extern const OptionSpec kDialectOption;
+
+// ReadSources: the three options; --system and --main are required.
+Sources ReadSources(const Arguments& args);
+// ParseDialect: access, oracle or sqlserver.
+StdDBTypes ParseDialect(const std::string& text);
+const char* DialectName(StdDBTypes dialect);
+
+enum class Access {
+  kReadOnly,   // nothing is written: a SQLite file is opened read-only
+  kReadWrite,  // the command writes (keys, the demo's safe delete)
+};
+
+// ConnectionStringFor: the connection string that opens source. A file's
+// path is passed as one quoted value, so that ';', '=' or blanks in it
+// stay part of the path; the file is never created.
+std::string ConnectionStringFor(const std::string& source, Access access);
+
+// Connect opens the main and system databases and hands them to
+// link.ConnectDefault (which loads the metadata caches and makes link the
+// active service object); link.MainDBType is set to the dialect. When
+// link_opens_main, the main connection is opened by ConnectDefault from the
+// same connection string (it then also opens the sequence-generator
+// connection that key method 7 needs). A missing file, a database that
+// cannot be opened or is not the practice's (the real reason included)
+// raises CommandError.
+void Connect(InfoLink& link, const Sources& sources, Access access, bool link_opens_main = false);
 
 // DemoFiles: the two databases of a demo folder.
 struct DemoFiles {
@@ -55,12 +93,13 @@ struct DemoFiles {
   std::string main;
 };
 
-// BuildDemoDatabases creates folder (when missing) and in it system.db and
-// main.db afresh from the scripts in data_dir: the schemas, then the demo
-// rows.
+// BuildDemoDatabases builds system.db and main.db from the scripts in
+// data_dir in a temporary folder beside folder, and moves them into folder
+// (created when missing) only when every script ran: a failure leaves
+// folder and any databases already in it as they were.
 DemoFiles BuildDemoDatabases(const std::string& folder, const std::string& data_dir);
 
-// DefaultDataDir: the data/ folder the command was built with.
+// DefaultDataDir: the data/ folder of the build, or of the installation.
 std::string DefaultDataDir();
 
 }  // namespace kelvary::cli

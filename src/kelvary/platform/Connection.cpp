@@ -25,6 +25,10 @@ std::shared_ptr<Session> SessionOf(const Connection& connection) {
 
 }  // namespace internal
 
+bool IsSqliteFileName(std::string_view data_source) {
+  return internal::IsSqliteFileName(data_source);
+}
+
 Connection::Connection() : session_(std::make_shared<internal::Session>()) {}
 
 Connection::~Connection() {

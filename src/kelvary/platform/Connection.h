@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kelvary/platform/DataAccessTypes.h"
@@ -34,6 +35,12 @@ namespace kelvary {
 class Recordset;
 class DriverConnection;
 class Connection;
+
+// IsSqliteFileName: whether a data source names a SQLite database file
+// rather than an ODBC data source, by the rule the shaping form above
+// applies. Tools that take either from a user ask this rather than guess.
+bool IsSqliteFileName(std::string_view data_source);
+
 namespace internal {
 class Session;  // the driver and the errors, shared with the recordsets read here
 std::shared_ptr<Session> SessionOf(const Connection& connection);
