@@ -48,7 +48,7 @@ inline CliRun RunCli(const std::vector<std::string>& args, const TempDir& dir) {
 // RunSql changes a SQLite database the way a support person's mistake would.
 inline void RunSql(const std::string& file, const std::vector<std::string>& statements) {
   Connection connection;
-  connection.Open("Provider=SQLite;Data Source={" + file + "}");
+  connection.Open("Provider=SQLite;Data Source=" + QuoteConnectionValue(file));
   for (const auto& sql : statements)
     connection.Execute(sql);
   connection.Close();

@@ -181,7 +181,8 @@ TEST_F(Command, HelpAndVersionComeFromTheCommandTable) {
 // cli-1: a path is one value, whatever it holds; the file it names is the
 // one opened, never the path cut at a ';'.
 TEST_F(Command, APathIsOpenedWholeWhateverItHolds) {
-  for (const std::string folder : {"clinic;2024", "a}b;Mode=ReadWriteCreate", "x y=z;\"q\""}) {
+  for (const std::string folder :
+       {"clinic;2024", "a}b;Mode=ReadWriteCreate", "x y=z;\"q\"", "{b}}\"c;d"}) {
     fs::create_directories(dir_.Path() / folder);
     const std::string real = (dir_.Path() / folder / "main.db").string();
     fs::copy_file(main_, real);

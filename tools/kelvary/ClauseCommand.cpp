@@ -49,7 +49,7 @@ Variant ValueFor(const std::optional<std::string>& text, FieldDataTypes type,
     if (text->empty() || error != std::errc() || end != text->data() + text->size()) {
       throw UsageError(std::string(what) + " is not a number: " + *text);
     }
-    if (number == static_cast<double>(static_cast<int64_t>(number)) && std::abs(number) < 9e15) {
+    if (std::abs(number) < 9e15 && number == std::trunc(number)) {
       const int64_t whole = static_cast<int64_t>(number);
       if (whole >= std::numeric_limits<int32_t>::min() &&
           whole <= std::numeric_limits<int32_t>::max()) {

@@ -96,13 +96,6 @@ Sources ReadSources(const Arguments& args) {
 
 namespace {
 
-// Quoted: a connection-string value that the parser reads back whole.
-std::string Quoted(const std::string& value) {
-  if (value.find('}') == std::string::npos) return "{" + value + "}";
-  if (value.find('"') == std::string::npos) return "\"" + value + "\"";
-  throw CommandError("the name " + value + " holds both } and \", which a connection cannot take");
-}
-
 std::shared_ptr<Connection> Open(const std::string& role, const std::string& source,
                                  Access access) {
   auto connection = std::make_shared<Connection>();
@@ -120,11 +113,11 @@ std::shared_ptr<Connection> Open(const std::string& role, const std::string& sou
 
 std::string ConnectionStringFor(const std::string& source, Access access) {
   if (IsSqliteFileName(source)) {
-    return "Provider=SQLite;Data Source=" + Quoted(source) +
+    return "Provider=SQLite;Data Source=" + QuoteConnectionValue(source) +
            (access == Access::kReadOnly ? ";Mode=ReadOnly" : ";Mode=ReadWrite");
   }
-  return "Provider=MSDataShape.1;Persist Security Info=False;Data Source=" + Quoted(source) +
-         ";Data Provider=MSDASQL";
+  return "Provider=MSDataShape.1;Persist Security Info=False;Data Source=" +
+         QuoteConnectionValue(source) + ";Data Provider=MSDASQL";
 }
 
 void Connect(InfoLink& link, const Sources& sources, Access access, bool link_opens_main) {
@@ -205,7 +198,8 @@ std::string ReadFile(const fs::path& path) {
 
 void BuildDatabase(const fs::path& file, const std::vector<Script>& scripts) {
   Connection connection;
-  connection.Open("Provider=SQLite;Data Source=" + Quoted(file.string()) + ";Mode=ReadWriteCreate");
+  connection.Open("Provider=SQLite;Data Source=" + QuoteConnectionValue(file.string()) +
+                  ";Mode=ReadWriteCreate");
   for (const auto& script : scripts) {
     try {
       ExecuteScript(connection, script.text);

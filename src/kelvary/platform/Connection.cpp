@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "kelvary/platform/Recordset.h"
+#include "kelvary/platform/internal/ConnectionString.h"
 #include "kelvary/platform/internal/Session.h"
 #include "kelvary/platform/internal/drivers/DriverFactory.h"
 
@@ -27,6 +28,10 @@ std::shared_ptr<Session> SessionOf(const Connection& connection) {
 
 bool IsSqliteFileName(std::string_view data_source) {
   return internal::IsSqliteFileName(data_source);
+}
+
+std::string QuoteConnectionValue(std::string_view value) {
+  return internal::QuoteConnectionValue(value);
 }
 
 Connection::Connection() : session_(std::make_shared<internal::Session>()) {}

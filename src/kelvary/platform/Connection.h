@@ -40,6 +40,10 @@ class Connection;
 // rather than an ODBC data source, by the rule the shaping form above
 // applies. Tools that take either from a user ask this rather than guess.
 bool IsSqliteFileName(std::string_view data_source);
+// QuoteConnectionValue: value as it may stand after "key=" in a connection
+// string so that Open reads it back whole, whatever it holds (';', '=',
+// braces, quotes, blanks at either end).
+std::string QuoteConnectionValue(std::string_view value);
 
 namespace internal {
 class Session;  // the driver and the errors, shared with the recordsets read here
