@@ -37,6 +37,21 @@ bool IsWordChar(char c) {
   return std::isalnum(u) || c == '_' || c == '$' || u >= 0x80;
 }
 
+// IsBlank: the white space SQLite's completeness test skips. A vertical tab
+// is not among them, so it is kept in a statement, never trimmed off it.
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
+}
+
+// TrimStatement: a statement without the blanks around it.
+std::string_view TrimStatement(std::string_view s) {
+  while (!s.empty() && IsBlank(s.front()))
+    s.remove_prefix(1);
+  while (!s.empty() && IsBlank(s.back()))
+    s.remove_suffix(1);
+  return s;
+}
+
 enum class Token { kSemi, kBlank, kOther, kExplain, kCreate, kTemp, kTrigger, kEnd };
 
 Token WordToken(std::string_view word) {
@@ -76,8 +91,8 @@ std::vector<std::string> SplitSqlScript(std::string_view sql) {
   State state = kInvalid;
   size_t i = 0;
   auto finish = [&]() {
-    std::string statement(TrimSpace(current));
-    if (!statement.empty()) statements.push_back(std::move(statement));
+    std::string statement(TrimStatement(current));
+    if (!TrimSpace(statement).empty()) statements.push_back(std::move(statement));
     current.clear();
     state = kInvalid;
   };
@@ -111,8 +126,7 @@ std::vector<std::string> SplitSqlScript(std::string_view sql) {
       i = j;
     } else {
       current += c;
-      const bool blank = c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
-      state = Next(state, blank ? Token::kBlank : Token::kOther);
+      state = Next(state, IsBlank(c) ? Token::kBlank : Token::kOther);
       ++i;
     }
   }

@@ -1,0 +1,2 @@
+
+CREATE TRIGGER tr CRESrož²#CR TÄ;;;RU, R–––––;E;;;;;;;"REATE TRIG	
