@@ -13,6 +13,9 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 
 seconds=${FUZZ_SECONDS:-60}
+# A fixed seed, so that a run in CI repeats the mutations tried before it
+# landed (FUZZ_SEED=0 lets libFuzzer pick a new seed each run).
+seed=${FUZZ_SEED:-1}
 ./scripts/install-deps.sh clang libclang-rt-14-dev
 clangxx=$(command -v clang++ || true)
 if [ -z "$clangxx" ]; then
@@ -45,7 +48,7 @@ for target in "${targets[@]}"; do
   log="$artifacts/$target.log"
   started=$(date +%s)
   status=0
-  "$build/tests/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=4096 -timeout=10 \
+  "$build/tests/fuzz/fuzz_$target" -seed="$seed" -max_total_time="$seconds" -max_len=4096 -timeout=10 \
       -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$artifacts/$target/" \
       "$corpus" "tests/fuzz/corpus/$target" >"$log" 2>&1 || status=$?
   runs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$' | tail -1 || echo "?")
