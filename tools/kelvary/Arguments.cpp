@@ -8,9 +8,9 @@ namespace kelvary::cli {
 
 namespace {
 
-const OptionSpec* FindSpec(const std::vector<OptionSpec>& specs, std::string_view name) {
-  for (const auto& spec : specs) {
-    if (spec.name == name) return &spec;
+const OptionDef* FindOption(const std::vector<OptionDef>& known, std::string_view name) {
+  for (const auto& option : known) {
+    if (option.name == name) return &option;
   }
   return nullptr;
 }
@@ -35,7 +35,7 @@ int64_t ParseInteger(std::string_view text, std::string_view what, int64_t min, 
 }
 
 Arguments::Arguments(std::string command, const std::vector<std::string>& args,
-                     const std::vector<OptionSpec>& specs, size_t max_positional)
+                     const std::vector<OptionDef>& known, size_t max_positional)
     : command_(std::move(command)) {
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& word = args[i];
@@ -46,16 +46,16 @@ Arguments::Arguments(std::string command, const std::vector<std::string>& args,
       positional_.push_back(word);
       continue;
     }
-    const OptionSpec* spec = FindSpec(specs, word);
-    if (spec == nullptr) {
+    const OptionDef* option = FindOption(known, word);
+    if (option == nullptr) {
       throw UsageError("unknown option " + word + " (see kelvary help " + command_ + ")");
     }
-    if (spec->value.empty()) {
+    if (option->value.empty()) {
       given_.emplace_back(word, "");
       continue;
     }
     if (i + 1 >= args.size()) {
-      throw UsageError(word + " needs a value (" + std::string(spec->value) + ")");
+      throw UsageError(word + " needs a value (" + std::string(option->value) + ")");
     }
     given_.emplace_back(word, args[++i]);
   }

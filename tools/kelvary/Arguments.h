@@ -22,9 +22,9 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// OptionSpec: one option a command takes. value is the placeholder of its
+// OptionDef: one option a command takes. value is the placeholder of its
 // value in the help ("ID", "FILE"), or empty for a switch.
-struct OptionSpec {
+struct OptionDef {
   std::string_view name;  // with its dashes: "--query"
   std::string_view value;
   std::string_view help;
@@ -36,7 +36,7 @@ class Arguments {
   // words that do not start with "--" are taken as positional arguments.
   // REQUIRES: no "--help" among args (the caller answers that first).
   Arguments(std::string command, const std::vector<std::string>& args,
-            const std::vector<OptionSpec>& specs, size_t max_positional);
+            const std::vector<OptionDef>& known, size_t max_positional);
 
   const std::string& Command() const { return command_; }
   bool Has(std::string_view name) const;

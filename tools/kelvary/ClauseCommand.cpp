@@ -126,8 +126,8 @@ int ClauseCommand(const Arguments& args, Output& out) {
     };
   } else if (builder == "date-range") {
     const std::string field = Field(args, builder);
-    const auto spec =
-        static_cast<DateRangeSpecs>(args.Integer("--spec", std::numeric_limits<int32_t>::min(),
+    const auto range =
+        static_cast<DateRangeSpecs>(args.Integer("--range", std::numeric_limits<int32_t>::min(),
                                                  std::numeric_limits<int32_t>::max())
                                         .value_or(drsUserSpecifiedDates));
     const auto from = args.Get("--from");
@@ -135,7 +135,7 @@ int ClauseCommand(const Arguments& args, Output& out) {
     const Variant v1 = from ? Variant(ParseDateArgument(*from, "--from")) : Variant();
     const Variant v2 = to ? Variant(ParseDateArgument(*to, "--to")) : Variant();
     build = [=](InfoLink& link, bool xtal) {
-      return link.GetDateSqlFromValues(field, spec, v1, v2, xtal);
+      return link.GetDateSqlFromValues(field, range, v1, v2, xtal);
     };
   } else if (builder == "name") {
     const std::string table = args.Get("--table").value_or("");

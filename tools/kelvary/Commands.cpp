@@ -22,9 +22,9 @@ namespace kelvary::cli {
 
 namespace {
 
-const OptionSpec kFormatOption{"--format", "table|csv|json",
-                               "how rows are printed: aligned text (default), CSV or JSON"};
-const OptionSpec kOutputOption{"--output", "FILE", "write to FILE instead of standard output"};
+const OptionDef kFormatOption{"--format", "table|csv|json",
+                              "how rows are printed: aligned text (default), CSV or JSON"};
+const OptionDef kOutputOption{"--output", "FILE", "write to FILE instead of standard output"};
 
 int HelpCommand(const Arguments& args, Output& out);
 
@@ -113,7 +113,7 @@ std::vector<Command> MakeTable() {
        "                                          GetBooleanCompareClause\n"
        "  equal --field F --general text|number|date --value V\n"
        "                                          GetComparisionClauseForDefEqual\n"
-       "  date-range --field F [--spec N] [--from DATE] [--to DATE]\n"
+       "  date-range --field F [--range N] [--from DATE] [--to DATE]\n"
        "                                          GetDateSqlFromValues\n"
        "  name [--table T] [--prefix F] --alias A  GetNameClause\n"
        "  alpha --field F --tab N                 CreateAlphaClause\n"
@@ -129,7 +129,7 @@ std::vector<Command> MakeTable() {
         {"--value2", "V", "the second value (between)"},
         {"--reverse", "", "bReverse: the negated condition"},
         {"--general", "KIND", "text, number or date (equal)"},
-        {"--spec", "N", "the DateRangeSpecs value (date-range; default 1001)"},
+        {"--range", "N", "the DateRangeSpecs value (date-range; default 1001)"},
         {"--from", "DATE", "the range's first day (date-range)"},
         {"--to", "DATE", "the range's last day (date-range)"},
         {"--table", "NAME", "the table qualifying the name fields (name)"},

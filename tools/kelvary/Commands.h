@@ -21,7 +21,7 @@ struct Command {
   std::string_view synopsis;  // the usage line after "kelvary <name> "
   std::string_view brief;     // one line for the overview
   std::string_view summary;   // what the command does, as a few lines
-  std::vector<OptionSpec> options;
+  std::vector<OptionDef> options;
   size_t positional = 0;     // words that are not options, at most
   bool prints_rows = false;  // takes --format and --output
   Handler handler = nullptr;

@@ -14,13 +14,13 @@ namespace kelvary::cli {
 
 namespace fs = std::filesystem;
 
-const OptionSpec kSystemOption{"--system", "FILE|DSN",
-                               "the system (configuration) database: a SQLite file or an ODBC "
-                               "data-source name"};
-const OptionSpec kMainOption{"--main", "FILE|DSN", "the main (practice) database"};
-const OptionSpec kDialectOption{"--dialect", "NAME",
-                                "the SQL the service object writes: access (default), oracle "
-                                "(PostgreSQL runs it) or sqlserver"};
+const OptionDef kSystemOption{"--system", "FILE|DSN",
+                              "the system (configuration) database: a SQLite file or an ODBC "
+                              "data-source name"};
+const OptionDef kMainOption{"--main", "FILE|DSN", "the main (practice) database"};
+const OptionDef kDialectOption{"--dialect", "NAME",
+                               "the SQL the service object writes: access (default), oracle "
+                               "(PostgreSQL runs it) or sqlserver"};
 
 MessageCatcher::MessageCatcher() : messages_(std::make_shared<std::vector<std::string>>()) {
   auto messages = messages_;

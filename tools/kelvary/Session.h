@@ -57,9 +57,9 @@ struct Sources {
 };
 
 // The options every command that opens the databases declares.
-extern const OptionSpec kSystemOption;
-extern const OptionSpec kMainOption;
-extern const OptionSpec kDialectOption;
+extern const OptionDef kSystemOption;
+extern const OptionDef kMainOption;
+extern const OptionDef kDialectOption;
 
 // ReadSources: the three options; --system and --main are required.
 Sources ReadSources(const Arguments& args);
