@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "RecordsetTestSupport.h"
+#include "kelvary/platform/Command.h"
 #include "kelvary/platform/SqlScript.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/ConnectionString.h"
@@ -283,6 +284,99 @@ TEST_P(Connections, TransactionsCommitOrRollBack) {
   EXPECT_EQ(other->Execute("SELECT SUM(n) FROM t")->Fields(0).Value(), Traits().Count(3));
   EXPECT_EQ(ErrorOf([&] { c->CommitTrans(); }).Number(), kErrOperationNotSupported);
   EXPECT_EQ(ErrorOf([&] { c->RollbackTrans(); }).Number(), kErrOperationNotSupported);
+}
+
+TEST_P(Connections, ClosingClosesTheRecordsetsButNotInsideATransaction) {
+  db_.Run(PatientsSql(Traits()));
+  auto c = db_.Connect();
+  auto opened = OpenRecordset(c, "SELECT * FROM patients", adLockOptimistic);
+  auto executed = c->Execute("SELECT * FROM patients");
+  auto closed_before = OpenRecordset(c, "SELECT * FROM patients");
+  closed_before->Close();
+  opened->Fields("FirstName").Value("Changed");  // a pending change is dropped
+  c->BeginTrans();
+  const Error in_transaction = ErrorOf([&] { c->Close(); });
+  EXPECT_EQ(in_transaction.Number(), 3246);
+  EXPECT_EQ(in_transaction.Description(),
+            "Connection object cannot be explicitly closed while in a transaction.");
+  EXPECT_EQ(c->State(), adStateOpen);
+  EXPECT_EQ(opened->State(), adStateOpen);
+  c->RollbackTrans();
+  c->Close();
+  for (const auto& rs : {opened, executed, closed_before})
+    EXPECT_EQ(rs->State(), adStateClosed);
+  EXPECT_EQ(CLng(db_.Connection()
+                     ->Execute("SELECT COUNT(*) FROM patients WHERE FirstName = "
+                               "'Changed'")
+                     ->Fields(0)
+                     .Value()),
+            0);
+  opened.reset();  // a recordset outliving its connection's close goes quietly
+  c->Open(db_.ConnectionString());
+  auto again = OpenRecordset(c, "SELECT * FROM patients");
+  again->Close();
+  c->Close();  // and one closed before does not come back
+  EXPECT_EQ(again->State(), adStateClosed);
+}
+
+TEST_P(Connections, CommandsBindTheirValuesApartFromTheText) {
+  db_.Run(PatientsSql(Traits()));
+  auto cmd = std::make_shared<Command>();
+  EXPECT_EQ(ErrorOf([&] { cmd->Execute(); }).Number(), 3709);  // no connection yet
+  cmd->ActiveConnection(db_.Connection());
+  EXPECT_EQ(ErrorOf([&] { cmd->Execute(); }).Number(), kErrInvalidArgument);  // no text yet
+  cmd->CommandText("SELECT ID FROM patients WHERE LastName = ? AND ID > ? ORDER BY ID");
+  cmd->Parameters().Append(cmd->CreateParameter("name", adVarChar, adParamInput, 30, "Smith"));
+  cmd->Parameters().Append(Command::CreateParameter("above", adInteger, adParamInput, 0, 1));
+  EXPECT_EQ(Ids(*cmd->Execute()), "6");
+  cmd->Parameters().Item("ABOVE")->Value(0);
+  EXPECT_EQ(Ids(*cmd->Execute()), "1,6");
+  int32_t affected = 0;
+  EXPECT_EQ(Ids(*cmd->Execute(affected, {Variant("O'Brien"), Variant(0)})), "2");
+  EXPECT_EQ(affected, -1);
+  EXPECT_EQ(ErrorOf([&] { cmd->Parameters().Item("nope"); }).Number(), kErrItemNotFound);
+  EXPECT_EQ(ErrorOf([&] { cmd->Parameters().Item(2); }).Number(), kErrItemNotFound);
+  cmd->Parameters().Delete("name");
+  EXPECT_EQ(cmd->Parameters().Count(), 1);
+
+  // A value with quotes and SQL in it is a value.
+  auto insert = std::make_shared<Command>();
+  insert->ActiveConnection(db_.Connection());
+  insert->CommandText("INSERT INTO patients (ID, LastName) VALUES (?, ?)");
+  insert->Execute(affected, {Variant(7), Variant("x'); DELETE FROM patients; --")});
+  EXPECT_EQ(affected, 1);
+  auto table = std::make_shared<Command>();
+  table->ActiveConnection(db_.Connection());
+  table->CommandText("patients");
+  table->CommandType(adCmdTable);
+  EXPECT_EQ(table->Execute()->RecordCount(), 7);
+  EXPECT_EQ(ErrorOf([&] { table->CommandType(adCmdStoredProc); }).Number(), kErrInvalidArgument);
+}
+
+TEST(SqliteConnection, PropertiesReadBackAndGiveTheStringItsProvider) {
+  TestDatabase db;
+  db.Run("CREATE TABLE t (n INTEGER)");
+  auto c = std::make_shared<Connection>();
+  EXPECT_EQ(Connection::Version(), "2.8");
+  EXPECT_EQ(c->Provider(), "MSDASQL");
+  EXPECT_EQ(c->Mode(), adModeUnknown);
+  c->Provider("SQLite");
+  c->ConnectionString("Data Source=" + db.Path());
+  c->Mode(adModeRead);
+  c->Open();
+  EXPECT_EQ(c->Provider(), "SQLite");
+  EXPECT_EQ(c->ConnectionString(), "Provider=SQLite;Data Source=" + db.Path());
+  EXPECT_THAT(ErrorOf([&] { c->Execute("INSERT INTO t VALUES (1)"); }).Description(),
+              ::testing::HasSubstr("readonly"));
+  for (const auto& set : std::vector<std::function<void()>>{[&] { c->Mode(adModeReadWrite); },
+                                                            [&] { c->Provider("x"); },
+                                                            [&] { c->ConnectionString("x"); }}) {
+    EXPECT_EQ(ErrorOf(set).Number(), kErrObjectOpen);
+  }
+  c->Close();
+  auto shaped = std::make_shared<Connection>();
+  shaped->ConnectionString(db.ShapeConnectionString());
+  EXPECT_EQ(shaped->Provider(), "MSDataShape.1");
 }
 
 TEST(SqlScript, SplitsOnSemicolonsOutsideQuotesCommentsAndTriggers) {

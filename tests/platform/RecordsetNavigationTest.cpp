@@ -97,7 +97,7 @@ TEST_P(RecordsetNavigation, ClosedAndOpenRecordsetsRefuseWhatNeedsTheOtherState)
   for (const auto& call : std::vector<std::function<void()>>{
            [&] { rs->RecordCount(); }, [&] { rs->Eof(); }, [&] { rs->Bof(); },
            [&] { rs->MoveNext(); }, [&] { rs->Fields("ID"); }, [&] { rs->Close(); },
-           [&] { rs->EditMode(); }, [&] { rs->Filter("ID = 1"); }}) {
+           [&] { rs->EditMode(); }, [&] { rs->Sort("ID"); }}) {
     EXPECT_EQ(ErrorOf(call).Number(), kErrObjectClosed);
   }
   rs->MaxRecords(2);

@@ -123,8 +123,8 @@ TEST_F(ShapeResult, EveryLevelIsAFullRecordset) {
   EXPECT_EQ(none->Fields(1).Name(), "PatientID");
   EXPECT_EQ(none->Source(), "Select ID, PatientID From visits Order By ID");
 
-  rs->Filter("Name LIKE '*n' OR ID = 1");
-  EXPECT_EQ(rs->RecordCount(), 3);
+  rs->Filter("Name LIKE '*EE*' OR ID = 1");
+  EXPECT_EQ(rs->RecordCount(), 2);
   rs->MoveLast();
   EXPECT_EQ(TextOf(rs->Fields("Name").Value()), "Green");
   rs->Filter("");
@@ -181,6 +181,74 @@ TEST_F(ShapeResult, WritesChangesOfAnUpdatableShapeToTheBaseTables) {
       "Select group_concat(p.Name || ':' || v.ID || ':' || v.Reason, ',') From patients p Join "
       "visits v On v.PatientID = p.ID Where p.ID = 1 Order By v.ID");
   EXPECT_EQ(TextOf(check->Fields(0).Value()), "Smyth:10:follow-up,Smyth:16:new");
+}
+
+// Rows: every field but the chapters, "|" between fields, ";" between rows.
+std::string Rows(Recordset& rs) {
+  std::string text;
+  for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
+    std::string row;
+    for (int32_t i = 0; i < rs.FieldCount(); ++i) {
+      if (rs.Fields(i).Type() == adChapter) continue;
+      row += (row.empty() ? "" : "|") + TextOf(rs.Fields(i).Value());
+    }
+    text += (text.empty() ? "" : ";") + row;
+  }
+  return text;
+}
+
+TEST_F(ShapeResult, ComputedColumnsAggregateEachRowsChapter) {
+  // Relate and parameter children give the same aggregates.
+  const std::string aggregates =
+      ", COUNT(V) AS N, COUNT(V.PatientID), SUM(V.ID) AS S, MIN(V.Reason) AS Lo, MAX(V.ID), "
+      "AVG(V.ID) AS Mean, ANY(V.PatientID) AS P, STDEV(V.ID) AS Sd, NEW adInteger AS Extra";
+  for (const std::string& child :
+       {std::string("{Select ID, PatientID, Reason From visits Order By ID} RELATE ID TO "
+                    "PatientID"),
+        std::string("{Select ID, PatientID, Reason From visits Where PatientID = ? Order By ID} "
+                    "RELATE ID TO PARAMETER 0")}) {
+    SCOPED_TRACE(child);
+    auto rs = Open("SHAPE {Select ID From patients Order By ID} APPEND (" + child + ") AS V" +
+                   aggregates);
+    EXPECT_EQ(ShapeTree(*rs), "1[10,12],2[],3[11],4[15]");
+    rs->MoveFirst();
+    EXPECT_NEAR(CDbl(rs->Fields("Sd").Value()), 1.41421356, 1e-6);  // of 10 and 12
+    EXPECT_EQ(rs->Fields("MAX(V.ID)").Type(), rs->Fields("ID").Type());
+    EXPECT_EQ(rs->Fields("N").Type(), adInteger);
+    EXPECT_EQ(rs->Fields("Extra").Type(), adInteger);
+    rs->Filter("Sd = Null");  // Sd takes two values at least
+    EXPECT_EQ(Rows(*rs), "2|0|0|||||||;3|1|1|11|flu|11|11|3||;4|1|1|15|cut|15|15|4||");
+  }
+  // CALC reads the row's fields, computed ones included.
+  auto calc = Open(UnderPatients(std::string(kVisits) + " RELATE ID TO PatientID") +
+                   " AS V, COUNT(V) AS N, CALC(UCase(Left(Name, 3)) & '-' & N * 10) AS Tag");
+  EXPECT_EQ(Rows(*calc),
+            "1|Smith|A1|2|SMI-20;2|Jones||0|JON-0;3|Brown|b2|1|BRO-10;4|Green|C3|1|GRE-10");
+  // An aggregate reads a chapter of its own level only.
+  Recordset rs;
+  EXPECT_EQ(OpenError(rs, UnderPatients(std::string(kVisits) + " RELATE ID TO PatientID") +
+                              " AS V, SUM(W.ID)")
+                .Description(),
+            "SHAPE command: SUM reads the chapter W, which the level does not have");
+}
+
+TEST_F(ShapeResult, ComputeGroupsRowsByTheByFields) {
+  // Groups in the order their first row comes; a Null key is a group too.
+  auto rs = Open(
+      "SHAPE {Select ID, PatientID From visits Order By ID} AS V COMPUTE V AS Visits, COUNT(V) AS "
+      "N, SUM(V.ID) AS Total BY PatientID");
+  ASSERT_EQ(rs->FieldCount(), 4);
+  EXPECT_EQ(rs->Fields(0).Name(), "Visits");
+  EXPECT_EQ(rs->Fields(3).Name(), "PatientID");
+  EXPECT_EQ(Rows(*rs), "2|22|1;1|11|3;1|13|99;1|14|;1|15|4");
+  rs->Find("PatientID = 1", 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
+  EXPECT_EQ(ShapeTree(*rs->Fields("Visits").Value().ObjectAs<Recordset>()), "10,12");
+
+  // Without BY, one row over all of them; TABLE reads a whole table.
+  auto all = Open("SHAPE TABLE visits AS V COMPUTE V, MAX(V.ID) AS Top, MIN(V.Reason) AS First");
+  EXPECT_EQ(Rows(*all), "15|checkup");
+  all->MoveFirst();
+  EXPECT_EQ(all->Fields("V").Value().ObjectAs<Recordset>()->RecordCount(), 6);
 }
 
 TEST_F(ShapeResult, AFailingLevelLeavesTheRecordsetClosed) {

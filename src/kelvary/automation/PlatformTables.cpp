@@ -67,17 +67,19 @@ const MemberTable& ClassTraits<Connection>::Table() {
     b.Property(
         "CursorLocation", +[](C& c) { return c.CursorLocation(); },
         +[](C& c, CursorLocationEnum v) { c.CursorLocation(v); });
-    b.Method("Open",
-             +[](C& c, std::string ConnectionString, std::optional<std::string> UserID,
-                 std::optional<std::string> Password, std::optional<int32_t> Options) {
-               c.Open(ConnectionString, UserID.value_or(""), Password.value_or(""),
-                      Options.value_or(adCmdUnspecified));
-             },
-             {"ConnectionString", "UserID", "Password", "Options"});
+    b.Method(
+        "Open",
+        +[](C& c, std::optional<std::string> ConnectionString, std::optional<std::string> UserID,
+            std::optional<std::string> Password, std::optional<int32_t> Options) {
+          c.Open(ConnectionString.value_or(c.ConnectionString()), UserID.value_or(""),
+                 Password.value_or(""), Options.value_or(adCmdUnspecified));
+        },
+        {"ConnectionString", "UserID", "Password", "Options"});
     b.Method("Close", &C::Close);
     b.Getter("State", &C::State);
-    b.Getter(
-        "ConnectionString", +[](C& c) { return c.ConnectionString(); });
+    b.Property(
+        "ConnectionString", +[](C& c) { return c.ConnectionString(); },
+        +[](C& c, std::string v) { c.ConnectionString(v); });
     b.Method("Execute",
              +[](C& c, std::string CommandText, int32_t* RecordsAffected,
                  std::optional<int32_t> Options) {
@@ -93,6 +95,14 @@ const MemberTable& ClassTraits<Connection>::Table() {
     b.Property(
         "CommandTimeout", +[](C& c) { return c.CommandTimeout(); },
         +[](C& c, int32_t v) { c.CommandTimeout(v); });
+    b.Getter(
+        "Version", +[](C&) { return Connection::Version(); });
+    b.Property(
+        "Mode", +[](C& c) { return static_cast<int32_t>(c.Mode()); },
+        +[](C& c, int32_t v) { c.Mode(static_cast<ConnectModeEnum>(v)); });
+    b.Property(
+        "Provider", +[](C& c) { return c.Provider(); },
+        +[](C& c, std::string v) { c.Provider(v); });
     return t;
   }();
   return table;
@@ -113,10 +123,10 @@ const MemberTable& ClassTraits<Recordset>::Table() {
         },
         {}, kDispIdValue);
     b.Method("Open",
-             +[](C& rs, std::string Source, const Variant& ActiveConnection,
+             +[](C& rs, std::optional<std::string> Source, const Variant& ActiveConnection,
                  std::optional<CursorTypeEnum> CursorType, std::optional<LockTypeEnum> LockType,
                  std::optional<int32_t> Options) {
-               rs.Open(Source, ConnectionArg(ActiveConnection),
+               rs.Open(Source.value_or(""), ConnectionArg(ActiveConnection),
                        CursorType.value_or(adOpenUnspecified), LockType.value_or(adLockUnspecified),
                        Options.value_or(adCmdUnspecified));
              },
@@ -126,7 +136,9 @@ const MemberTable& ClassTraits<Recordset>::Table() {
     b.Getter("BOF", &C::Bof);
     b.Getter("EOF", &C::Eof);
     b.Getter("RecordCount", &C::RecordCount);
-    b.Getter("AbsolutePosition", &C::AbsolutePosition);
+    b.Property(
+        "AbsolutePosition", +[](C& rs) { return rs.AbsolutePosition(); },
+        +[](C& rs, int32_t v) { rs.AbsolutePosition(v); });
     b.Property(
         "Bookmark", +[](C& rs) { return rs.Bookmark(); },
         +[](C& rs, Variant v) { rs.Bookmark(v); });
@@ -134,7 +146,11 @@ const MemberTable& ClassTraits<Recordset>::Table() {
     b.Method("MoveLast", &C::MoveLast);
     b.Method("MoveNext", &C::MoveNext);
     b.Method("MovePrevious", &C::MovePrevious);
-    b.Method("Move", &C::Move, {"NumRecords"});
+    b.Method("Move",
+             +[](C& rs, int32_t NumRecords, std::optional<Variant> Start) {
+               rs.Move(NumRecords, Start.value_or(Variant()));
+             },
+             {"NumRecords", "Start"});
     b.Method("Find",
              +[](C& rs, std::string Criteria, std::optional<int32_t> SkipRecords,
                  std::optional<SearchDirectionEnum> SearchDirection, std::optional<Variant> Start) {
@@ -143,23 +159,70 @@ const MemberTable& ClassTraits<Recordset>::Table() {
              },
              {"Criteria", "SkipRecords", "SearchDirection", "Start"});
     b.Property(
-        "Filter", +[](C& rs) { return rs.Filter(); }, +[](C& rs, std::string v) { rs.Filter(v); });
-    b.Method("AddNew", &C::AddNew);
-    b.Method("Update", &C::Update);
-    b.Method("Delete", &C::Delete);
+        "Filter", +[](C& rs) { return rs.Filter(); },
+        +[](C& rs, Variant v) {
+          // A number is one of the filter groups; anything else is criteria.
+          if (v.IsNumber()) return rs.Filter(static_cast<FilterGroupEnum>(CLng(v)));
+          rs.Filter(CStr(v));
+        });
+    // AddNew and Update take one field and its value (lists need arrays,
+    // which this interface does not carry).
+    b.Method("AddNew",
+             +[](C& rs, std::optional<std::string> FieldList, std::optional<Variant> Values) {
+               if (!FieldList) return rs.AddNew();
+               rs.AddNew({*FieldList}, {Values.value_or(Variant())});
+             },
+             {"FieldList", "Values"});
+    b.Method("Update",
+             +[](C& rs, std::optional<std::string> Fields, std::optional<Variant> Values) {
+               if (!Fields) return rs.Update();
+               rs.Update({*Fields}, {Values.value_or(Variant())});
+             },
+             {"Fields", "Values"});
+    b.Method("Delete",
+             +[](C& rs, std::optional<int32_t> AffectRecords) {
+               rs.Delete(static_cast<AffectEnum>(AffectRecords.value_or(adAffectCurrent)));
+             },
+             {"AffectRecords"});
     b.Method("CancelUpdate", &C::CancelUpdate);
     b.Method("Cancel", &C::Cancel);
     b.Getter("EditMode", &C::EditMode);
     b.Property(
         "MaxRecords", +[](C& rs) { return rs.MaxRecords(); },
         +[](C& rs, int32_t v) { rs.MaxRecords(v); });
-    b.Getter("CursorType", &C::CursorType);
-    b.Getter("LockType", &C::LockType);
-    b.Getter("CursorLocation", &C::CursorLocation);
-    b.Getter(
-        "Source", +[](C& rs) { return rs.Source(); });
-    b.Getter("ActiveConnection", &C::ActiveConnection);
+    b.Property(
+        "CursorType", +[](C& rs) { return rs.CursorType(); },
+        +[](C& rs, CursorTypeEnum v) { rs.CursorType(v); });
+    b.Property(
+        "LockType", +[](C& rs) { return rs.LockType(); },
+        +[](C& rs, LockTypeEnum v) { rs.LockType(v); });
+    b.Property(
+        "CursorLocation", +[](C& rs) { return rs.CursorLocation(); },
+        +[](C& rs, CursorLocationEnum v) { rs.CursorLocation(v); });
+    b.Property(
+        "Source", +[](C& rs) { return rs.Source(); }, +[](C& rs, std::string v) { rs.Source(v); });
+    b.Property(
+        "ActiveConnection", +[](C& rs) { return rs.ActiveConnection(); },
+        +[](C& rs, const Variant& v) { rs.ActiveConnection(ConnectionArg(v)); });
     b.Getter("FieldCount", &C::FieldCount);
+    b.Property(
+        "Sort", +[](C& rs) { return rs.Sort(); }, +[](C& rs, std::string v) { rs.Sort(v); });
+    b.Method("Clone",
+             +[](C& rs, std::optional<LockTypeEnum> LockType) {
+               return rs.Clone(LockType.value_or(adLockUnspecified));
+             },
+             {"LockType"});
+    b.Method("Supports", +[](C& rs, int32_t CursorOptions) { return rs.Supports(CursorOptions); },
+             {"CursorOptions"});
+    b.Method("GetString",
+             +[](C& rs, std::optional<int32_t> StringFormat, std::optional<int32_t> NumRows,
+                 std::optional<std::string> ColumnDelimeter,
+                 std::optional<std::string> RowDelimeter, std::optional<std::string> NullExpr) {
+               return rs.GetString(StringFormat.value_or(adClipString),
+                                   NumRows.value_or(adGetRowsRest), ColumnDelimeter.value_or("\t"),
+                                   RowDelimeter.value_or("\r"), NullExpr.value_or(""));
+             },
+             {"StringFormat", "NumRows", "ColumnDelimeter", "RowDelimeter", "NullExpr"});
     return t;
   }();
   return table;
@@ -220,6 +283,14 @@ const MemberTable& ClassTraits<RecordsetField>::Table() {
         "OriginalValue", +[](C& f) { return f.Native().OriginalValue(); });
     b.Getter(
         "Status", +[](C& f) { return f.Native().Status(); });
+    b.Getter(
+        "UnderlyingValue", +[](C& f) { return f.Native().UnderlyingValue(); });
+    b.Getter(
+        "Precision", +[](C& f) { return static_cast<int32_t>(f.Native().Precision()); });
+    b.Getter(
+        "NumericScale", +[](C& f) { return static_cast<int32_t>(f.Native().NumericScale()); });
+    b.Getter(
+        "Attributes", +[](C& f) { return f.Native().Attributes(); });
     return t;
   }();
   return table;

@@ -1,8 +1,10 @@
 #include "kelvary/platform/Connection.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "kelvary/platform/Recordset.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/ConnectionString.h"
 #include "kelvary/platform/internal/Session.h"
 #include "kelvary/platform/internal/drivers/DriverFactory.h"
@@ -14,6 +16,24 @@ constexpr const char* kSource = "Connection";
 
 [[noreturn]] void ThrowClosed() {
   throw Error(kErrObjectClosed, "Operation is not allowed when the object is closed.", kSource);
+}
+
+// ProviderOf: the value of Provider= in a connection string; empty when
+// there is none.
+std::string ProviderOf(const std::string& connection_string) {
+  return internal::ParseConnectionString(connection_string).Get("Provider").value_or("");
+}
+
+// WithMode: the string to open with: adModeRead asks a SQLite file that the
+// string opens for writing to open read-only.
+std::string WithMode(const std::string& connection_string, ConnectModeEnum mode) {
+  if (mode != adModeRead) return connection_string;
+  const internal::DriverChoice choice = internal::ChooseDriver(connection_string);
+  if (choice.kind != internal::DriverChoice::kSqlite ||
+      choice.mode != internal::DriverChoice::kReadWrite) {
+    return connection_string;
+  }
+  return connection_string + ";Mode=ReadOnly";
 }
 
 }  // namespace
@@ -51,17 +71,74 @@ void Connection::Open(const std::string& connection_string, const std::string& u
   if (session_->IsOpen()) {
     throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
   }
+  std::string full = connection_string;
+  if (!provider_.empty() && ProviderOf(full).empty()) full = "Provider=" + provider_ + ";" + full;
   session_->Run([&] {
-    session_->Attach(internal::OpenDriver(connection_string, user_id, password, command_timeout_));
+    session_->Attach(
+        internal::OpenDriver(WithMode(full, mode_), user_id, password, command_timeout_));
   });
-  connection_string_ = connection_string;
+  connection_string_ = full;
 }
 
 void Connection::Close() {
+  if (!session_->IsOpen()) ThrowClosed();
+  if (in_transaction_) {
+    throw Error(3246, "Connection object cannot be explicitly closed while in a transaction.",
+                kSource);
+  }
+  // The recordsets opened here close with it, dropping their pending changes.
+  const std::vector<Recordset*> open = std::move(recordsets_);
+  recordsets_.clear();
+  for (Recordset* recordset : open)
+    recordset->ClosedWithConnection();
   std::unique_ptr<DriverConnection> driver = session_->Detach();
-  if (!driver) ThrowClosed();
-  in_transaction_ = false;
   driver->Close();
+}
+
+void Connection::Attach(Recordset* recordset) {
+  if (std::find(recordsets_.begin(), recordsets_.end(), recordset) == recordsets_.end()) {
+    recordsets_.push_back(recordset);
+  }
+}
+
+void Connection::Detach(Recordset* recordset) {
+  recordsets_.erase(std::remove(recordsets_.begin(), recordsets_.end(), recordset),
+                    recordsets_.end());
+}
+
+void Connection::RequireClosedToSet() const {
+  if (session_->IsOpen()) {
+    throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
+  }
+}
+
+void Connection::ConnectionString(const std::string& connection_string) {
+  RequireClosedToSet();
+  connection_string_ = connection_string;
+}
+
+std::string Connection::Provider() const {
+  if (!provider_.empty()) return provider_;
+  std::string named = ProviderOf(connection_string_);
+  if (!named.empty()) return named;
+  if (connection_string_.empty()) return "MSDASQL";
+  try {
+    return internal::ChooseDriver(connection_string_).kind == internal::DriverChoice::kSqlite
+               ? "SQLite"
+               : "MSDASQL";
+  } catch (const Error&) {
+    return "MSDASQL";
+  }
+}
+
+void Connection::Provider(const std::string& provider) {
+  RequireClosedToSet();
+  provider_ = provider;
+}
+
+void Connection::Mode(ConnectModeEnum mode) {
+  RequireClosedToSet();
+  mode_ = mode;
 }
 
 ObjectStateEnum Connection::State() const {

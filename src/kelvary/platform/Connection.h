@@ -16,8 +16,9 @@
 // other statement goes to the driver unchanged.
 //
 // Connections are shared by reference (std::shared_ptr); one thread uses a
-// connection at a time. Closing a connection leaves the recordsets already
-// read from it readable (their rows are in memory) but not updatable.
+// connection at a time. Closing a connection closes the recordsets opened on
+// it (a pending change of theirs is dropped); a connection inside a
+// transaction refuses to close (Error 3246): commit or roll back first.
 #pragma once
 
 #include <cstdint>
@@ -68,9 +69,25 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
   // REQUIRES: State() == adStateClosed.
   void Open(const std::string& connection_string, const std::string& user_id = "",
             const std::string& password = "", int32_t options = adCmdUnspecified);
+  // Open with no string uses ConnectionString (and Provider, when set).
+  void Open() { Open(connection_string_); }
   void Close();
   ObjectStateEnum State() const;
+  // ConnectionString: the string the connection was (or will be) opened
+  // with; settable while closed (Error 3705 when open).
   const std::string& ConnectionString() const { return connection_string_; }
+  void ConnectionString(const std::string& connection_string);
+  // Provider: the provider named in the string ("MSDataShape.1", "SQLite",
+  // "MSDASQL" for ODBC), "MSDASQL" before any is known; setting it while
+  // closed supplies the Provider= that a string without one lacks.
+  std::string Provider() const;
+  void Provider(const std::string& provider);
+  // Mode: the access asked for; adModeRead opens a SQLite file read-only.
+  // Settable while closed (Error 3705 when open).
+  ConnectModeEnum Mode() const { return mode_; }
+  void Mode(ConnectModeEnum mode);
+  // Version: the version of the data-access interface this library keeps.
+  static std::string Version() { return "2.8"; }
 
   // Execute runs one statement. For a statement that returns rows the result
   // is an open, read-only recordset; otherwise a closed one. records_affected
@@ -104,9 +121,16 @@ class Connection : public Object, public std::enable_shared_from_this<Connection
 
  private:
   friend std::shared_ptr<internal::Session> internal::SessionOf(const Connection&);
+  friend class Recordset;  // registers itself while open on this connection
+  void Attach(Recordset* recordset);
+  void Detach(Recordset* recordset);
+  void RequireClosedToSet() const;
 
   CursorLocationEnum cursor_location_ = adUseServer;
   std::string connection_string_;
+  std::string provider_;
+  ConnectModeEnum mode_ = adModeUnknown;
+  std::vector<Recordset*> recordsets_;  // open on this connection
   int32_t command_timeout_ = 30;
   bool in_transaction_ = false;
   std::shared_ptr<internal::Session> session_;

@@ -14,6 +14,17 @@ enum CursorLocationEnum : int32_t {
   adUseClient = 3,
 };
 
+enum ConnectModeEnum : int32_t {
+  adModeUnknown = 0,
+  adModeRead = 1,
+  adModeWrite = 2,
+  adModeReadWrite = 3,
+  adModeShareDenyRead = 4,
+  adModeShareDenyWrite = 8,
+  adModeShareExclusive = 12,
+  adModeShareDenyNone = 16,
+};
+
 enum CursorTypeEnum : int32_t {
   adOpenUnspecified = -1,
   adOpenForwardOnly = 0,
@@ -59,8 +70,61 @@ enum CommandOptionsEnum : int32_t {
   adCmdUnspecified = -1,
   adCmdText = 1,
   adCmdTable = 2,  // the source is a table name
+  adCmdStoredProc = 4,
+  adCmdUnknown = 8,
   adCmdTableDirect = 512,
   adExecuteNoRecords = 128,
+};
+
+enum FilterGroupEnum : int32_t {
+  adFilterNone = 0,
+  adFilterPendingRecords = 1,
+  adFilterAffectedRecords = 2,
+  adFilterFetchedRecords = 3,
+  adFilterConflictingRecords = 5,
+};
+
+enum AffectEnum : int32_t {
+  adAffectCurrent = 1,
+  adAffectGroup = 2,
+  adAffectAll = 3,
+};
+
+enum GetRowsOptionEnum : int32_t {
+  adGetRowsRest = -1,
+};
+
+enum StringFormatEnum : int32_t {
+  adClipString = 2,
+};
+
+// What Recordset::Supports answers.
+enum CursorOptionEnum : int32_t {
+  adHoldRecords = 0x100,
+  adMovePrevious = 0x200,
+  adBookmark = 0x2000,
+  adApproxPosition = 0x4000,
+  adUpdateBatch = 0x10000,
+  adResync = 0x20000,
+  adNotify = 0x40000,
+  adFind = 0x80000,
+  adSeek = 0x400000,
+  adIndex = 0x800000,
+  adAddNew = 0x1000400,
+  adDelete = 0x1000800,
+  adUpdate = 0x1008000,
+};
+
+enum FieldAttributeEnum : int32_t {
+  adFldMayDefer = 0x2,
+  adFldUpdatable = 0x4,
+  adFldUnknownUpdatable = 0x8,
+  adFldFixed = 0x10,
+  adFldIsNullable = 0x20,
+  adFldMayBeNull = 0x40,
+  adFldLong = 0x80,
+  adFldRowID = 0x100,
+  adFldKeyColumn = 0x8000,
 };
 
 // Field types: the classic data-type codes.

@@ -34,8 +34,7 @@ enum ErrorNumbers : int32_t {
   kErrObjectOpen = 3705,        // operation needs a closed object
   kErrProviderNotFound = 3706,  // no driver for the connection string
   kErrRowChanged = 3640,        // the row to update or delete no longer matches
-  kErrInvalidArgument = 3001,   // arguments of the wrong type or out of range
-  kErrBadCriteria = 3002,       // Find or Filter criteria that cannot be read
+  kErrInvalidArgument = 3001,   // arguments of the wrong type or out of range; bad criteria
 };
 
 class Error : public std::runtime_error {

@@ -1,7 +1,10 @@
 #include "kelvary/platform/Recordset.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "kelvary/platform/Connection.h"
+#include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/CursorEngine.h"
 #include "kelvary/platform/internal/Session.h"
 #include "kelvary/platform/internal/StatementRunner.h"
@@ -45,6 +48,32 @@ class Chapters final : public shape::ChapterMaker {
   const RowSet* store_ = nullptr;  // the level writer_ writes for
   std::shared_ptr<internal::RowWriter> writer_;
 };
+
+constexpr const char* kSource = "Recordset";
+
+[[noreturn]] void ThrowInvalidArgument(const std::string& why) {
+  throw Error(kErrInvalidArgument,
+              "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
+              "with one another. (" +
+                  why + ")",
+              kSource);
+}
+
+[[noreturn]] void ThrowNoCurrentRecord() {
+  throw Error(kErrNoCurrentRecord,
+              "Either BOF or EOF is True, or the current record has been deleted. Requested "
+              "operation requires a current record.",
+              kSource);
+}
+
+[[noreturn]] void ThrowClosed() {
+  throw Error(kErrObjectClosed, "Operation is not allowed when the object is closed.", kSource);
+}
+
+constexpr bool IsFixedLength(DataTypeEnum type) {
+  return IsNumericType(type) || type == adDate || type == adBoolean || type == adDBDate ||
+         type == adDBTime || type == adDBTimeStamp;
+}
 
 }  // namespace
 
@@ -117,21 +146,125 @@ Variant Field::OriginalValue() const {
 int32_t Field::Status() const {
   return engine_->Status(ordinal_);
 }
+uint8_t Field::Precision() const {
+  switch (engine_->Column(ordinal_).type) {
+    case adTinyInt:
+    case adUnsignedTinyInt:
+      return 3;
+    case adSmallInt:
+    case adUnsignedSmallInt:
+      return 5;
+    case adInteger:
+    case adUnsignedInt:
+      return 10;
+    case adBigInt:
+    case adCurrency:
+      return 19;
+    case adUnsignedBigInt:
+      return 20;
+    case adSingle:
+      return 7;
+    case adDouble:
+      return 15;
+    case adDecimal:
+    case adNumeric:
+    case adVarNumeric:
+      return 28;
+    default:
+      return 255;
+  }
+}
+uint8_t Field::NumericScale() const {
+  const DataTypeEnum type = engine_->Column(ordinal_).type;
+  if (type == adCurrency) return 4;
+  if (IsNumericType(type) && type != adSingle && type != adDouble && type != adDecimal &&
+      type != adNumeric && type != adVarNumeric) {
+    return 0;
+  }
+  return 255;
+}
+int32_t Field::Attributes() const {
+  const ColumnInfo& column = engine_->Column(ordinal_);
+  int32_t attributes = 0;
+  const bool writable =
+      engine_->Mode() == internal::WriteMode::kMemory ||
+      (engine_->Mode() == internal::WriteMode::kBaseTable && !column.base_column.empty());
+  if (writable && column.type != adChapter) attributes |= adFldUpdatable;
+  if (column.nullable) attributes |= adFldIsNullable | adFldMayBeNull;
+  if (column.key) attributes |= adFldKeyColumn;
+  if (IsFixedLength(column.type)) attributes |= adFldFixed;
+  if (column.type == adLongVarChar || column.type == adLongVarWChar ||
+      column.type == adLongVarBinary) {
+    attributes |= adFldLong;
+  }
+  return attributes;
+}
 
 // ---- Recordset ---------------------------------------------------------------
 
 Recordset::Recordset() : engine_(std::make_unique<internal::CursorEngine>()) {}
-Recordset::~Recordset() = default;
+Recordset::~Recordset() {
+  Detach();
+}
 
 void Recordset::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                      CursorTypeEnum cursor_type, LockTypeEnum lock_type, int32_t options) {
-  (void)cursor_type;  // every recordset is a static client-side cursor
-  internal::OpenRecordset(*this, source, connection ? internal::SessionOf(*connection) : nullptr,
-                          connection, lock_type, options);
+  const std::string& from = source.empty() ? source_ : source;
+  const std::shared_ptr<Connection>& on = connection ? connection : connection_;
+  const CursorTypeEnum cursor = cursor_type == adOpenUnspecified ? cursor_type_ : cursor_type;
+  const LockTypeEnum lock = lock_type == adLockUnspecified ? lock_type_ : lock_type;
+  if (from.empty() && !on && !appended_.empty() && !engine_->IsOpen()) {
+    // A recordset made in memory from its appended fields.
+    RowSet rows;
+    for (const AppendedField& f : appended_) {
+      ColumnInfo& column = rows.columns.emplace_back();
+      column.name = f.name;
+      column.type = f.type;
+      column.defined_size = f.defined_size;
+      column.nullable = (f.attributes & (adFldIsNullable | adFldMayBeNull)) != 0;
+      column.key = (f.attributes & adFldKeyColumn) != 0;
+    }
+    internal::LoadRecordset(
+        *this, std::move(rows),
+        internal::LoadOptions{"", nullptr, lock,
+                              lock == adLockReadOnly ? internal::WriteMode::kReadOnly
+                                                     : internal::WriteMode::kMemory});
+  } else {
+    (void)cursor;  // every recordset is a static client-side cursor
+    internal::OpenRecordset(*this, from, on ? internal::SessionOf(*on) : nullptr, on, lock,
+                            options);
+  }
+  if (!engine_->IsOpen()) return;  // a statement that returns no rows
+  ever_opened_ = true;
+  cursor_location_ = adUseClient;
+  // Read back after Close as they were while open.
+  source_ = engine_->Source();
+  connection_ = engine_->ActiveConnection();
+  cursor_type_ = engine_->CursorType();
+  lock_type_ = engine_->LockType();
+  if (connection_) AttachTo(connection_.get());
+  if (!pending_filter_.empty()) {
+    const std::string filter = std::move(pending_filter_);
+    pending_filter_.clear();
+    engine_->Filter(filter);
+  }
+}
+void Recordset::Open() {
+  Open("", nullptr);
 }
 void Recordset::Close() {
+  if (engine_->IsOpen() && !engine_->Bof() && !engine_->Eof()) {
+    const EditModeEnum mode = engine_->EditMode();
+    if (mode == adEditInProgress || mode == adEditAdd) {
+      throw Error(3219,
+                  "Operation is not allowed in this context. (An edit is pending: call Update "
+                  "or CancelUpdate before Close.)",
+                  kSource);
+    }
+  }
   engine_->Close();
   fields_.clear();
+  Detach();
 }
 void Recordset::Opened() {
   fields_.clear();
@@ -139,9 +272,35 @@ void Recordset::Opened() {
   fields_.reserve(static_cast<size_t>(width));
   for (int32_t i = 0; i < width; ++i)
     fields_.push_back(Field(engine_.get(), i));
+  // Every way of opening comes here: the connection read from closes this
+  // recordset when it closes.
+  if (const auto connection = engine_->ActiveConnection()) AttachTo(connection.get());
 }
 ObjectStateEnum Recordset::State() const {
   return engine_->IsOpen() ? adStateOpen : adStateClosed;
+}
+
+void Recordset::AttachTo(Connection* connection) {
+  ever_opened_ = true;
+  if (attached_ == connection) return;
+  Detach();
+  attached_ = connection;
+  if (attached_) attached_->Attach(this);
+}
+void Recordset::Detach() {
+  if (attached_) attached_->Detach(this);
+  attached_ = nullptr;
+}
+void Recordset::ClosedWithConnection() {
+  attached_ = nullptr;
+  if (!engine_->IsOpen()) return;
+  try {
+    engine_->CancelUpdate();
+  } catch (const Error&) {
+    // Nothing pending.
+  }
+  engine_->Close();
+  fields_.clear();
 }
 
 bool Recordset::Bof() const {
@@ -155,6 +314,15 @@ int32_t Recordset::RecordCount() const {
 }
 int32_t Recordset::AbsolutePosition() const {
   return engine_->AbsolutePosition();
+}
+void Recordset::AbsolutePosition(int32_t position) {
+  const int32_t count = engine_->RecordCount();
+  if (position < 1 || position > count) {
+    ThrowInvalidArgument("AbsolutePosition " + std::to_string(position) + " is outside 1.." +
+                         std::to_string(count) + ".");
+  }
+  engine_->MoveFirst();
+  if (position > 1) engine_->Move(position - 1);
 }
 Variant Recordset::Bookmark() const {
   return engine_->Bookmark();
@@ -178,6 +346,18 @@ void Recordset::MovePrevious() {
 void Recordset::Move(int32_t rows) {
   engine_->Move(rows);
 }
+void Recordset::Move(int32_t rows, const Variant& start) {
+  const int32_t* where = start.Get<int32_t>();
+  if (start.IsEmpty() || (where && *where == adBookmarkCurrent)) return engine_->Move(rows);
+  if (where && *where == adBookmarkFirst) {
+    engine_->MoveFirst();
+  } else if (where && *where == adBookmarkLast) {
+    engine_->MoveLast();
+  } else {
+    engine_->Bookmark(start);
+  }
+  if (rows != 0) engine_->Move(rows);
+}
 
 void Recordset::Find(const std::string& criteria, int32_t skip_rows, SearchDirectionEnum direction,
                      const Variant& start) {
@@ -185,13 +365,42 @@ void Recordset::Find(const std::string& criteria, int32_t skip_rows, SearchDirec
 }
 
 const std::string& Recordset::Filter() const {
-  return engine_->Filter();
+  return engine_->IsOpen() ? engine_->Filter() : pending_filter_;
 }
 void Recordset::Filter(const std::string& criteria) {
+  if (!engine_->IsOpen()) {
+    pending_filter_ = criteria;  // applied when the recordset opens
+    return;
+  }
   engine_->Filter(criteria);
 }
 
+void Recordset::Filter(FilterGroupEnum group) {
+  engine_->FilterGroup(group);
+}
+void Recordset::Filter(const std::vector<Variant>& bookmarks) {
+  engine_->FilterBookmarks(bookmarks);
+}
+const std::string& Recordset::Sort() const {
+  return engine_->Sort();
+}
+void Recordset::Sort(const std::string& sort) {
+  engine_->Sort(sort);
+}
+std::shared_ptr<Recordset> Recordset::Clone(LockTypeEnum lock_type) {
+  if (lock_type != adLockUnspecified && lock_type != adLockReadOnly) {
+    ThrowInvalidArgument("A clone keeps the lock type or is read-only.");
+  }
+  auto clone = std::make_shared<Recordset>();
+  clone->engine_->CloneFrom(*engine_, lock_type == adLockReadOnly);
+  clone->Opened();
+  clone->ever_opened_ = true;
+  clone->cursor_location_ = adUseClient;
+  return clone;
+}
+
 int32_t Recordset::FieldCount() const {
+  if (!engine_->IsOpen() && !ever_opened_) return static_cast<int32_t>(appended_.size());
   return engine_->FieldCount();
 }
 Field& Recordset::Fields(int32_t ordinal) {
@@ -219,12 +428,118 @@ void Recordset::Update() {
 void Recordset::Delete() {
   engine_->Delete();
 }
+void Recordset::AddNew(const std::vector<std::string>& fields, const std::vector<Variant>& values) {
+  if (fields.size() != values.size()) {
+    ThrowInvalidArgument("The field list and the value list differ in length.");
+  }
+  engine_->AddNew();
+  try {
+    for (size_t i = 0; i < fields.size(); ++i)
+      Fields(fields[i]).Value(values[i]);
+  } catch (...) {
+    engine_->CancelUpdate();
+    throw;
+  }
+  engine_->Update();
+}
+void Recordset::Update(const std::vector<std::string>& fields, const std::vector<Variant>& values) {
+  if (fields.size() != values.size()) {
+    ThrowInvalidArgument("The field list and the value list differ in length.");
+  }
+  for (size_t i = 0; i < fields.size(); ++i)
+    Fields(fields[i]).Value(values[i]);
+  engine_->Update();
+}
+void Recordset::Delete(AffectEnum affect) {
+  if (affect == adAffectCurrent) return engine_->Delete();
+  if (affect != adAffectGroup && affect != adAffectAll) {
+    ThrowInvalidArgument("AffectRecords is adAffectCurrent, adAffectGroup or adAffectAll.");
+  }
+  // adAffectAll reaches the rows a filter hides too.
+  const std::string filter = engine_->Filter();
+  if (affect == adAffectAll && !filter.empty()) engine_->Filter("");
+  if (engine_->RecordCount() > 0) {
+    for (engine_->MoveFirst(); !engine_->Eof(); engine_->MoveNext())
+      engine_->Delete();
+  }
+  if (affect == adAffectAll && !filter.empty()) engine_->Filter(filter);
+}
 void Recordset::CancelUpdate() {
   engine_->CancelUpdate();
 }
 void Recordset::Cancel() {}
 EditModeEnum Recordset::EditMode() const {
-  return engine_->EditMode();
+  const EditModeEnum mode = engine_->EditMode();
+  if (mode == adEditNone && (engine_->Bof() || engine_->Eof())) ThrowNoCurrentRecord();
+  return mode;
+}
+
+bool Recordset::Supports(int32_t options) const {
+  if (!engine_->IsOpen()) ThrowClosed();
+  int32_t supported = adHoldRecords | adMovePrevious | adBookmark | adApproxPosition | adFind;
+  if (engine_->Mode() != internal::WriteMode::kReadOnly)
+    supported |= adAddNew | adDelete | adUpdate;
+  return (options & supported) == options;
+}
+
+std::vector<std::vector<Variant>> Recordset::GetRows(int32_t rows, const Variant& start,
+                                                     const std::vector<std::string>& fields) {
+  if (rows < adGetRowsRest) ThrowInvalidArgument("Rows is a count, or adGetRowsRest.");
+  if (!start.IsEmpty()) Move(0, start);
+  if (engine_->Bof() || engine_->Eof()) ThrowNoCurrentRecord();
+  std::vector<int32_t> ordinals;
+  if (fields.empty()) {
+    for (int32_t i = 0; i < engine_->FieldCount(); ++i)
+      ordinals.push_back(i);
+  } else {
+    for (const std::string& name : fields) {
+      ordinals.push_back(engine_->OrdinalOf(name));  // an unknown name raises 3265
+    }
+  }
+  std::vector<std::vector<Variant>> result(ordinals.size());
+  for (int32_t n = 0; (rows == adGetRowsRest || n < rows) && !engine_->Eof(); ++n) {
+    for (size_t f = 0; f < ordinals.size(); ++f)
+      result[f].push_back(engine_->Value(ordinals[f]));
+    engine_->MoveNext();
+  }
+  return result;
+}
+
+std::string Recordset::GetString(int32_t format, int32_t rows, const std::string& column_delimiter,
+                                 const std::string& row_delimiter,
+                                 const std::string& null_expression) {
+  if (format != adClipString) ThrowInvalidArgument("GetString writes adClipString only.");
+  if (rows < adGetRowsRest) ThrowInvalidArgument("Rows is a count, or adGetRowsRest.");
+  if (engine_->Bof() || engine_->Eof()) ThrowNoCurrentRecord();
+  const int32_t width = engine_->FieldCount();
+  std::string text;
+  for (int32_t n = 0; (rows == adGetRowsRest || n < rows) && !engine_->Eof(); ++n) {
+    for (int32_t f = 0; f < width; ++f) {
+      if (f > 0) text += column_delimiter;
+      const Variant& v = engine_->Value(f);
+      text += v.IsNull() ? null_expression : TextOf(v);
+    }
+    text += row_delimiter;
+    engine_->MoveNext();
+  }
+  return text;
+}
+
+void Recordset::AppendField(const std::string& name, DataTypeEnum type, int32_t defined_size,
+                            int32_t attributes) {
+  RequireClosedToSet();
+  for (const AppendedField& f : appended_) {
+    if (EqualsNoCase(f.name, name)) {
+      throw Error(3367, "Cannot append. Object already in collection. (" + name + ")", kSource);
+    }
+  }
+  appended_.push_back(AppendedField{name, type, defined_size, attributes});
+}
+
+void Recordset::RequireClosedToSet() const {
+  if (engine_->IsOpen()) {
+    throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
+  }
 }
 
 int32_t Recordset::MaxRecords() const {
@@ -235,19 +550,39 @@ void Recordset::MaxRecords(int32_t max_records) {
 }
 
 CursorTypeEnum Recordset::CursorType() const {
-  return engine_->CursorType();
+  return engine_->IsOpen() ? engine_->CursorType() : cursor_type_;
+}
+void Recordset::CursorType(CursorTypeEnum cursor_type) {
+  RequireClosedToSet();
+  cursor_type_ = cursor_type;
 }
 LockTypeEnum Recordset::LockType() const {
-  return engine_->LockType();
+  return engine_->IsOpen() ? engine_->LockType() : lock_type_;
+}
+void Recordset::LockType(LockTypeEnum lock_type) {
+  RequireClosedToSet();
+  lock_type_ = lock_type;
 }
 CursorLocationEnum Recordset::CursorLocation() const {
-  return adUseClient;
+  return engine_->IsOpen() ? adUseClient : cursor_location_;
+}
+void Recordset::CursorLocation(CursorLocationEnum location) {
+  RequireClosedToSet();
+  cursor_location_ = location;
 }
 const std::string& Recordset::Source() const {
-  return engine_->Source();
+  return engine_->IsOpen() ? engine_->Source() : source_;
+}
+void Recordset::Source(const std::string& source) {
+  RequireClosedToSet();
+  source_ = source;
 }
 std::shared_ptr<Connection> Recordset::ActiveConnection() const {
-  return engine_->ActiveConnection();
+  return engine_->IsOpen() ? engine_->ActiveConnection() : connection_;
+}
+void Recordset::ActiveConnection(std::shared_ptr<Connection> connection) {
+  RequireClosedToSet();
+  connection_ = std::move(connection);
 }
 
 }  // namespace kelvary

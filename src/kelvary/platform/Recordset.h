@@ -13,10 +13,11 @@
 // off a changed row commits it. A read-only recordset refuses changes.
 //
 // Find and Filter read criteria with one small parser: comparisons
-// = <> < > <= >= LIKE, 'text' with doubled apostrophes, #date#, numbers,
-// Null, column names plain or in [brackets], LIKE wildcards * and % (and ?
-// and _); Filter also takes AND, OR and parentheses. Bad criteria raise
-// Error 3002 naming the criteria.
+// = <> < > <= >= LIKE, 'text' with doubled apostrophes or #text#, #date#,
+// numbers, Null, column names plain or in [brackets], LIKE wildcards * and %
+// at the end or at both ends; Filter also takes AND, OR and parentheses
+// (an OR group is not joined by AND). An unknown column raises Error 3265,
+// other bad criteria Error 3001, naming the criteria.
 //
 // Field values of a chapter column (type adChapter) are child recordsets.
 //
@@ -74,8 +75,18 @@ class Field {
   void Value(const Variant& value);
   // OriginalValue: the value as read from the database (before changes).
   Variant OriginalValue() const;
+  // UnderlyingValue: the value the database held when the row was read;
+  // rows are read once into memory, so this is OriginalValue (no round
+  // trip to the database per field).
+  Variant UnderlyingValue() const { return OriginalValue(); }
   // Status: 0 (adFieldOK), or the code a failed write left on this field.
   int32_t Status() const;
+  // Precision and NumericScale: the digits of a numeric type (255 where
+  // they do not apply); Attributes: FieldAttributeEnum bits (updatable,
+  // nullable, key, fixed length, long).
+  uint8_t Precision() const;
+  uint8_t NumericScale() const;
+  int32_t Attributes() const;
 
  private:
   friend class Recordset;
@@ -100,8 +111,14 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
             CursorTypeEnum cursor_type = adOpenUnspecified,
             LockTypeEnum lock_type = adLockUnspecified, int32_t options = adCmdUnspecified);
-  // Close drops the rows and a pending change (call Update first to keep
-  // it). Raises Error 3704 when already closed.
+  // Open with the settings given beforehand: Source, ActiveConnection,
+  // CursorType, LockType. With no source and no connection, the fields
+  // appended with AppendField make an empty recordset in memory, which
+  // takes AddNew, Update and Delete.
+  void Open();
+  // Close drops the rows. Raises Error 3704 when already closed, and Error
+  // 3219 while an edit or a new row is pending (Update or CancelUpdate
+  // first).
   void Close();
   ObjectStateEnum State() const;
 
@@ -111,7 +128,9 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   int32_t RecordCount() const;
   // AbsolutePosition: 1-based position among the visible rows; -2 at BOF,
   // -3 at EOF, -1 (unknown) when there are no rows or the row was deleted.
+  // Setting it moves there (Error 3001 outside 1..RecordCount).
   int32_t AbsolutePosition() const;
+  void AbsolutePosition(int32_t position);
   // Bookmark: an opaque value naming the current row; assigning it moves back.
   Variant Bookmark() const;
   void Bookmark(const Variant& bookmark);
@@ -124,6 +143,8 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   void MoveNext();
   void MovePrevious();
   void Move(int32_t rows);
+  // Move from start: a bookmark, adBookmarkFirst or adBookmarkLast.
+  void Move(int32_t rows, const Variant& start);
 
   // Find searches, from start (adBookmarkCurrent, adBookmarkFirst,
   // adBookmarkLast or a bookmark; Empty means current), skipping skip_rows
@@ -136,7 +157,26 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   // again. Setting it moves to the first visible row.
   const std::string& Filter() const;
   void Filter(const std::string& criteria);
+  // Filter by a group (adFilterNone shows every row again) or by the rows
+  // a list of bookmarks names.
+  void Filter(FilterGroupEnum group);
+  void Filter(const std::vector<Variant>& bookmarks);
 
+  // Sort: "column [ASC|DESC], ..." orders the rows; "" gives the order the
+  // statement returned back. Filter and Find follow the sort; setting it
+  // moves to the first row. An unknown column raises Error 3265.
+  const std::string& Sort() const;
+  void Sort(const std::string& sort);
+
+  // Clone: another recordset over the same rows with a position of its own
+  // (on its first row) and no filter or sort; bookmarks of either work in
+  // both. The clone holds the rows as they are now: later changes made
+  // through one are not seen by the other. lock_type adLockReadOnly makes a
+  // read-only clone; adLockUnspecified keeps this recordset's lock.
+  std::shared_ptr<Recordset> Clone(LockTypeEnum lock_type = adLockUnspecified);
+
+  // FieldCount: 0 on a recordset never opened (the fields appended so far);
+  // Error 3704 once it has been closed.
   int32_t FieldCount() const;
   // Fields by ordinal (0-based) or by name (without regard to case). An
   // unknown name or ordinal raises Error 3265.
@@ -157,21 +197,64 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   void AddNew();
   void Update();
   void Delete();
+  // With field lists: the named fields take the values, and the row is
+  // written at once. REQUIRES: fields and values of the same length
+  // (otherwise Error 3001).
+  void AddNew(const std::vector<std::string>& fields, const std::vector<Variant>& values);
+  void Update(const std::vector<std::string>& fields, const std::vector<Variant>& values);
+  // Delete with AffectRecords: adAffectCurrent, or adAffectGroup /
+  // adAffectAll for every row the filter shows (all rows without one).
+  void Delete(AffectEnum affect);
   void CancelUpdate();
   // Cancel: stops a pending asynchronous operation; nothing runs
   // asynchronously here, so it does nothing on an open recordset.
   void Cancel();
+  // EditMode raises Error 3021 at BOF or EOF, where there is no row to edit.
   EditModeEnum EditMode() const;
+
+  // Supports: what this recordset can do (CursorOptionEnum bits, all of
+  // them asked at once).
+  bool Supports(int32_t options) const;
+
+  // GetRows: up to rows rows (adGetRowsRest: all the rest) from start
+  // (Empty: the current row; a bookmark, adBookmarkFirst or adBookmarkLast)
+  // as result[field][row], of the named fields (all when empty); the cursor
+  // ends after the last row read.
+  std::vector<std::vector<Variant>> GetRows(int32_t rows = adGetRowsRest,
+                                            const Variant& start = Variant(),
+                                            const std::vector<std::string>& fields = {});
+  // GetString: up to rows rows from the current one as text, fields joined
+  // by column_delimiter, each row ended by row_delimiter, Null written as
+  // null_expression (adClipString is the one format); the cursor ends
+  // after the last row read.
+  std::string GetString(int32_t format = adClipString, int32_t rows = adGetRowsRest,
+                        const std::string& column_delimiter = "\t",
+                        const std::string& row_delimiter = "\r",
+                        const std::string& null_expression = "");
+
+  // AppendField: a field of a recordset made in memory. REQUIRES: the
+  // recordset is closed (otherwise Error 3705).
+  void AppendField(const std::string& name, DataTypeEnum type, int32_t defined_size = 0,
+                   int32_t attributes = 0);
 
   // MaxRecords: the most rows Open fetches; 0 means all.
   int32_t MaxRecords() const;
   void MaxRecords(int32_t max_records);
 
+  // Settings read back; set while closed (Error 3705 when open) they are
+  // what Open uses when not given. Every open recordset is a client-side
+  // cursor: CursorLocation reads adUseServer until set, adUseClient once
+  // opened.
   CursorTypeEnum CursorType() const;
+  void CursorType(CursorTypeEnum cursor_type);
   LockTypeEnum LockType() const;
+  void LockType(LockTypeEnum lock_type);
   CursorLocationEnum CursorLocation() const;
+  void CursorLocation(CursorLocationEnum location);
   const std::string& Source() const;
+  void Source(const std::string& source);
   std::shared_ptr<Connection> ActiveConnection() const;
+  void ActiveConnection(std::shared_ptr<Connection> connection);
 
  private:
   friend int64_t internal::OpenRecordset(Recordset&, const std::string&,
@@ -184,8 +267,32 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   // Opened: the field handles of the rows the engine now holds.
   void Opened();
 
+  friend class Connection;
+  friend class Command;
+  // AttachTo: the connection that closes this recordset when it closes.
+  void AttachTo(Connection* connection);
+  void Detach();
+  void ClosedWithConnection();
+  void RequireClosedToSet() const;
+
   std::unique_ptr<internal::CursorEngine> engine_;
   std::vector<Field> fields_;
+  Connection* attached_ = nullptr;
+  bool ever_opened_ = false;
+  // Settings given before Open.
+  std::string source_;
+  std::shared_ptr<Connection> connection_;
+  CursorTypeEnum cursor_type_ = adOpenForwardOnly;
+  LockTypeEnum lock_type_ = adLockReadOnly;
+  CursorLocationEnum cursor_location_ = adUseServer;
+  struct AppendedField {
+    std::string name;
+    DataTypeEnum type;
+    int32_t defined_size;
+    int32_t attributes;
+  };
+  std::vector<AppendedField> appended_;  // AppendField, for a recordset made in memory
+  std::string pending_filter_;           // a Filter set while closed
 };
 
 }  // namespace kelvary

@@ -6,7 +6,6 @@
 #include "kelvary/platform/Date.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
-#include "kelvary/platform/internal/LikePattern.h"
 
 namespace kelvary::internal {
 namespace {
@@ -20,19 +19,82 @@ bool IsWordChar(char c) {
          (static_cast<unsigned char>(c) & 0x80) != 0;
 }
 
+bool IsWildcard(char c) {
+  return c == '*' || c == '%';
+}
+
+bool ContainsNoCase(std::string_view text, std::string_view part) {
+  if (part.empty()) return true;
+  for (size_t i = 0; i + part.size() <= text.size(); ++i) {
+    if (EqualsNoCase(text.substr(i, part.size()), part)) return true;
+  }
+  return false;
+}
+
+bool LikeMatchesShape(const LikeShape& shape, std::string_view text) {
+  switch (shape.kind) {
+    case LikeShape::kPrefix:
+      return StartsWithNoCase(text, shape.text);
+    case LikeShape::kContains:
+      return ContainsNoCase(text, shape.text);
+    case LikeShape::kWhole:
+    default:
+      return EqualsNoCase(text, shape.text);
+  }
+}
+
+// The criteria as an error shows them: a very long text is cut, so that a
+// generated filter of thousands of terms does not fill the message.
+std::string Shown(std::string_view text) {
+  constexpr size_t kShown = 200;
+  if (text.size() <= kShown) return std::string(text);
+  return std::string(text.substr(0, kShown)) + "...";
+}
+
 }  // namespace
 
-// CriteriaParser: a recursive-descent reader over the criteria text.
+std::optional<LikeShape> ReadLikePattern(std::string_view pattern) {
+  LikeShape shape;
+  if (!pattern.empty() && IsWildcard(pattern.back())) {
+    pattern.remove_suffix(1);
+    shape.kind = LikeShape::kPrefix;
+    if (!pattern.empty() && IsWildcard(pattern.front())) {
+      pattern.remove_prefix(1);
+      shape.kind = LikeShape::kContains;
+    }
+  }
+  for (char c : pattern) {
+    if (IsWildcard(c)) return std::nullopt;
+  }
+  shape.text = pattern;
+  return shape;
+}
+
+// CriteriaParser: a reader over the criteria text. Lists (OR, AND) are read
+// in loops; only parentheses recurse, and only kMaxNesting deep.
 class CriteriaParser {
  public:
+  using Comparison = Criteria::Comparison;
+  using Alternatives = std::vector<std::vector<Comparison>>;
+
   CriteriaParser(std::string_view text, const Criteria::ResolveColumn& resolve, Criteria& out)
       : text_(text), resolve_(resolve), out_(out) {}
 
   void Run() {
     Next();
     if (token_.kind == Kind::kEnd) Fail("it is empty");
-    out_.root_ = ParseOr();
+    Alternatives alternatives = ParseOr(0);
     if (token_.kind != Kind::kEnd) Fail("unexpected \"" + std::string(token_.text) + "\"");
+    size_t total = 0;
+    for (const auto& alternative : alternatives)
+      total += alternative.size();
+    out_.comparisons_.reserve(total);
+    out_.ends_.reserve(alternatives.size());
+    for (auto& alternative : alternatives) {
+      for (Comparison& c : alternative)
+        out_.comparisons_.push_back(std::move(c));
+      out_.ends_.push_back(static_cast<uint32_t>(out_.comparisons_.size()));
+    }
   }
 
  private:
@@ -45,10 +107,19 @@ class CriteriaParser {
   };
 
   [[noreturn]] void Fail(const std::string& why) const {
-    throw Error(kErrBadCriteria, "Cannot use the criteria \"" + std::string(text_) + "\": " + why,
+    throw Error(kErrInvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in "
+                "conflict with one another. (Cannot use the criteria \"" +
+                    Shown(text_) + "\": " + why + ".)",
                 "Recordset");
   }
-
+  [[noreturn]] void FailUnknown(std::string_view name) const {
+    throw Error(kErrItemNotFound,
+                "Item cannot be found in the collection corresponding to the requested name or "
+                "ordinal. (Cannot use the criteria \"" +
+                    Shown(text_) + "\": there is no field \"" + std::string(name) + "\".)",
+                "Recordset");
+  }
   void SkipBlanks() {
     while (pos_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[pos_])))
       ++pos_;
@@ -122,16 +193,20 @@ class CriteriaParser {
     token_.value = Variant(std::move(value));
   }
 
+  // ReadDate: #...# is a date when it reads as one, and a text otherwise.
   void ReadDate() {
     const size_t close = text_.find('#', pos_ + 1);
-    if (close == std::string_view::npos) Fail("a date has no closing #");
+    if (close == std::string_view::npos) Fail("a # has no closing #");
     const std::string_view inside = text_.substr(pos_ + 1, close - pos_ - 1);
-    auto date = ParseDate(inside);
-    if (!date) Fail("#" + std::string(inside) + "# is not a date");
     pos_ = close + 1;
-    token_.kind = Kind::kDate;
     token_.text = text_.substr(token_.at, pos_ - token_.at);
-    token_.value = Variant(*date);
+    if (auto date = ParseDate(inside)) {
+      token_.kind = Kind::kDate;
+      token_.value = Variant(*date);
+    } else {
+      token_.kind = Kind::kText;
+      token_.value = Variant(std::string(inside));
+    }
   }
 
   void ReadBracketedName() {
@@ -195,49 +270,60 @@ class CriteriaParser {
     return token_.kind == Kind::kWord && EqualsNoCase(token_.text, word);
   }
 
-  int32_t Add(Criteria::Node node) {
-    out_.nodes_.push_back(std::move(node));
-    return static_cast<int32_t>(out_.nodes_.size() - 1);
-  }
-
-  int32_t ParseOr() {
-    int32_t left = ParseAnd();
+  Alternatives ParseOr(int depth) {
+    Alternatives alternatives = ParseAnd(depth);
     while (AtWord("OR")) {
       Next();
-      const int32_t right = ParseAnd();
-      Criteria::Node node{Criteria::Op::kOr, {}, {}, left, right};
-      left = Add(std::move(node));
+      Alternatives more = ParseAnd(depth);
+      for (auto& alternative : more)
+        alternatives.push_back(std::move(alternative));
     }
-    return left;
+    return alternatives;
   }
 
-  int32_t ParseAnd() {
-    int32_t left = ParseFactor();
+  Alternatives ParseAnd(int depth) {
+    Alternatives first = ParseFactor(depth);
+    if (!AtWord("AND")) return first;
+    if (first.size() > 1) FailOrJoinedByAnd();
+    std::vector<Comparison> all = std::move(first.front());
     while (AtWord("AND")) {
       Next();
-      const int32_t right = ParseFactor();
-      Criteria::Node node{Criteria::Op::kAnd, {}, {}, left, right};
-      left = Add(std::move(node));
+      Alternatives factor = ParseFactor(depth);
+      if (factor.size() > 1) FailOrJoinedByAnd();
+      for (Comparison& c : factor.front())
+        all.push_back(std::move(c));
     }
-    return left;
+    Alternatives result;
+    result.push_back(std::move(all));
+    return result;
   }
 
-  int32_t ParseFactor() {
+  [[noreturn]] void FailOrJoinedByAnd() const {
+    Fail(
+        "a group joined by OR cannot be joined to other terms by AND; write "
+        "\"(A AND C) OR (B AND C)\" for \"(A OR B) AND C\"");
+  }
+
+  Alternatives ParseFactor(int depth) {
     if (token_.kind == Kind::kOpen) {
+      if (depth >= Criteria::kMaxNesting) {
+        Fail("parentheses are nested more than " + std::to_string(Criteria::kMaxNesting) + " deep");
+      }
       Next();
-      const int32_t inner = ParseOr();
+      Alternatives inner = ParseOr(depth + 1);
       if (token_.kind != Kind::kClose) Fail("a \"(\" is not closed");
       Next();
       return inner;
     }
-    return ParseComparison();
+    Alternatives single(1);
+    single.front().push_back(ParseComparison());
+    return single;
   }
 
-  // IsNullWord: the operand just read was the word Null.
-  int32_t ParseComparison() {
+  Comparison ParseComparison() {
     bool left_null = false;
-    Criteria::Operand left = ParseOperand(left_null);
-    Criteria::Node node{Criteria::Op::kEq, std::move(left), {}, -1, -1};
+    Comparison node;
+    node.left = ParseOperand(left_null);
     if (AtWord("IS")) {
       Next();
       bool negated = false;
@@ -248,7 +334,7 @@ class CriteriaParser {
       if (!AtWord("NULL")) Fail("IS must be followed by NULL or NOT NULL");
       Next();
       node.op = negated ? Criteria::Op::kIsNotNull : Criteria::Op::kIsNull;
-      return Add(std::move(node));
+      return node;
     }
     if (AtWord("LIKE")) {
       node.op = Criteria::Op::kLike;
@@ -277,7 +363,16 @@ class CriteriaParser {
         node.op = node.op == Criteria::Op::kEq ? Criteria::Op::kIsNull : Criteria::Op::kIsNotNull;
       }
     }
-    return Add(std::move(node));
+    if (node.op == Criteria::Op::kLike && node.right.column < 0 && !right_null) {
+      // The pattern is checked once here; a pattern in a column is read per row.
+      const std::string* pattern = node.right.literal.Get<std::string>();
+      if (!pattern) node.right.literal = Variant(CStr(node.right.literal));
+      pattern = node.right.literal.Get<std::string>();
+      if (!ReadLikePattern(*pattern)) {
+        Fail("LIKE takes a * or % only at the end of the pattern or at both ends");
+      }
+    }
+    return node;
   }
 
   Criteria::Operand ParseOperand(bool& is_null) {
@@ -326,7 +421,7 @@ class CriteriaParser {
       const size_t dot = name.rfind('.');
       if (dot != std::string_view::npos) column = resolve_(name.substr(dot + 1));
     }
-    if (column < 0) Fail("there is no field \"" + std::string(name) + "\"");
+    if (column < 0) FailUnknown(name);
     return column;
   }
 
@@ -345,19 +440,21 @@ Criteria Criteria::Parse(std::string_view text, const ResolveColumn& resolve) {
   return criteria;
 }
 
-bool Criteria::IsSingleComparison() const {
-  if (root_ < 0) return false;
-  const Op op = nodes_[static_cast<size_t>(root_)].op;
-  return op != Op::kAnd && op != Op::kOr;
-}
-
 bool Criteria::Matches(const Variant* row) const {
-  return Evaluate(root_, row);
+  uint32_t begin = 0;
+  for (const uint32_t end : ends_) {
+    uint32_t i = begin;
+    while (i < end && Compare(comparisons_[i], row))
+      ++i;
+    if (i == end) return true;
+    begin = end;
+  }
+  return false;
 }
 
 std::optional<Criteria::Equality> Criteria::ColumnEquals() const {
-  if (root_ < 0) return std::nullopt;
-  const Node& node = nodes_[static_cast<size_t>(root_)];
+  if (comparisons_.size() != 1) return std::nullopt;
+  const Comparison& node = comparisons_.front();
   if (node.op != Op::kEq) return std::nullopt;
   if (node.left.column >= 0 && node.right.column < 0) {
     return Equality{node.left.column, &node.right.literal};
@@ -368,19 +465,7 @@ std::optional<Criteria::Equality> Criteria::ColumnEquals() const {
   return std::nullopt;
 }
 
-bool Criteria::Evaluate(int32_t index, const Variant* row) const {
-  const Node& node = nodes_[static_cast<size_t>(index)];
-  switch (node.op) {
-    case Op::kAnd:
-      return Evaluate(node.first, row) && Evaluate(node.second, row);
-    case Op::kOr:
-      return Evaluate(node.first, row) || Evaluate(node.second, row);
-    default:
-      return Compare(node, row);
-  }
-}
-
-bool Criteria::Compare(const Node& node, const Variant* row) {
+bool Criteria::Compare(const Comparison& node, const Variant* row) {
   const Variant& a = node.left.column >= 0 ? row[node.left.column] : node.left.literal;
   switch (node.op) {
     case Op::kIsNull:
@@ -395,8 +480,10 @@ bool Criteria::Compare(const Node& node, const Variant* row) {
   if (node.op == Op::kLike) {
     const std::string* pattern = b.Get<std::string>();
     const std::string* text = a.Get<std::string>();
-    if (pattern && text) return LikeMatches(*pattern, *text);
-    return LikeMatches(pattern ? *pattern : CStr(b), text ? *text : CStr(a));
+    const std::string pattern_text = pattern ? std::string() : CStr(b);
+    const std::optional<LikeShape> shape = ReadLikePattern(pattern ? *pattern : pattern_text);
+    if (!shape) return false;
+    return LikeMatchesShape(*shape, text ? std::string_view(*text) : std::string_view(CStr(a)));
   }
   const int order = CompareValues(a, b);
   switch (node.op) {

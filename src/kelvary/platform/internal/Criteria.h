@@ -4,13 +4,29 @@
 //   alternative:= factor { AND factor }
 //   factor     := ( criteria ) | operand op operand | operand IS [NOT] NULL
 //   op         := = <> < > <= >= LIKE
-//   operand    := column | [column] | 'text' | #date# | number | Null | True | False
+//   operand    := column | [column] | 'text' | #text# | #date# | number | Null | True | False
 //
-// Text doubles its apostrophes ('O''Brien'); numbers may carry a sign, a
-// decimal point, an exponent and a leading $; dates read as ParseDate reads
-// them (#3/5/2024#, #2024-03-05#). "= Null" and "<> Null" test for Null;
-// any other comparison with a Null value is false. Values compare with
-// CompareValues (texts without regard to case); LIKE uses LikeMatches.
+// AND binds before OR, and a parenthesised group holding an OR may not be
+// joined to anything with AND: "(A OR B) AND C" is refused, as the classic
+// cursor refuses it ("(A AND C) OR (B AND C)" says the same). So every
+// criteria is a list of alternatives, each a list of comparisons, and both
+// parsing and evaluation run through lists without recursing on their
+// length. Parentheses may nest kMaxNesting deep.
+//
+// Text doubles its apostrophes ('O''Brien'), or stands between # marks when
+// it does not read as a date (#WA#, #'1'#: a text with apostrophes); numbers
+// may carry a sign, a decimal point, an exponent and a leading $; dates read
+// as ParseDate reads them (#3/5/2024#, #2024-03-05#). "= Null" and "<> Null"
+// test for Null; any other comparison with a Null value is false. Values
+// compare with CompareValues (texts without regard to case).
+//
+// LIKE takes * or % as its wildcard, only at the end ('Smit*') or at both
+// ends ('*mit*'); a wildcard anywhere else is refused. ? and _ are plain
+// characters here (a table name such as patient_notes is looked up by LIKE
+// and must match itself only).
+//
+// Errors: an unknown column raises Error 3265; anything else that cannot be
+// read raises Error 3001. Both name the criteria.
 //
 // Parsing resolves column names to ordinals once; Matches then runs on a
 // row's cells without allocating. A Criteria is immutable after Parse and
@@ -30,15 +46,18 @@ namespace kelvary::internal {
 
 class Criteria {
  public:
+  // The deepest nesting of parentheses Parse accepts.
+  static constexpr int kMaxNesting = 100;
+
   // ResolveColumn: the ordinal of a column name, or -1 when there is none.
   using ResolveColumn = std::function<int32_t(std::string_view name)>;
 
-  // Parse reads text. Raises Error 3002 (kErrBadCriteria), naming the
-  // criteria, when it cannot be read or names an unknown column.
+  // Parse reads text; raises Error 3265 for an unknown column and Error 3001
+  // for anything else it cannot read, naming the criteria.
   static Criteria Parse(std::string_view text, const ResolveColumn& resolve);
 
   // IsSingleComparison: one comparison, without AND or OR (what Find takes).
-  bool IsSingleComparison() const;
+  bool IsSingleComparison() const { return comparisons_.size() == 1; }
 
   // Matches: whether the row whose cells start at row satisfies the
   // criteria. REQUIRES: row holds every column the criteria names.
@@ -57,25 +76,33 @@ class Criteria {
  private:
   friend class CriteriaParser;
 
-  enum class Op : uint8_t { kEq, kNe, kLt, kGt, kLe, kGe, kLike, kIsNull, kIsNotNull, kAnd, kOr };
+  enum class Op : uint8_t { kEq, kNe, kLt, kGt, kLe, kGe, kLike, kIsNull, kIsNotNull };
   struct Operand {
     int32_t column = -1;  // -1: the literal
     Variant literal;
   };
-  struct Node {
-    Op op;
+  struct Comparison {
+    Op op = Op::kEq;
     Operand left;
     Operand right;
-    int32_t first = -1;  // AND / OR: the two sides, as node indexes
-    int32_t second = -1;
   };
 
-  bool Evaluate(int32_t node, const Variant* row) const;
-  static bool Compare(const Node& node, const Variant* row);
+  static bool Compare(const Comparison& comparison, const Variant* row);
 
   std::string text_;
-  std::vector<Node> nodes_;
-  int32_t root_ = -1;
+  std::vector<Comparison> comparisons_;
+  // The alternatives: alternative i is comparisons_[ends_[i-1] .. ends_[i]).
+  std::vector<uint32_t> ends_;
 };
+
+// LikeShape: how a LIKE pattern of Find and Filter matches: the whole text,
+// its beginning, or anywhere in it; the pattern's text without its
+// wildcards. Empty when the pattern places a wildcard where it may not be.
+struct LikeShape {
+  enum Kind : uint8_t { kWhole, kPrefix, kContains };
+  Kind kind = kWhole;
+  std::string_view text;
+};
+std::optional<LikeShape> ReadLikePattern(std::string_view pattern);
 
 }  // namespace kelvary::internal

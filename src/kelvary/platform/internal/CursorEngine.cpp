@@ -1,7 +1,9 @@
 #include "kelvary/platform/internal/CursorEngine.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
+#include <cmath>
 #include <numeric>
 #include <utility>
 
@@ -13,6 +15,13 @@ namespace {
 
 constexpr const char* kSource = "Recordset";
 constexpr uint32_t kFindsBeforeIndex = 2;  // a one-off Find scans; a repeated one builds an index
+// A bookmark is family * kFamilySpan + row id + 1, exact in a double.
+constexpr double kFamilySpan = 4294967296.0;
+
+uint32_t NextFamily() {
+  static std::atomic<uint32_t> families{0};
+  return families.fetch_add(1, std::memory_order_relaxed) % (1u << 20) + 1;
+}
 
 bool IsNothing(const Variant& v) {
   return v.IsNull() || v.IsEmpty();
@@ -169,6 +178,11 @@ void CursorEngine::Opened(LoadOptions options) {
   writer_ = write_mode_ == WriteMode::kBaseTable ? std::move(options.writer) : nullptr;
   cursor_type_ = adOpenStatic;  // a client-side cursor is static whatever was asked for
   filter_.clear();
+  filter_criteria_.reset();
+  chosen_.clear();
+  sort_.clear();
+  sort_text_.clear();
+  family_ = NextFamily();
   edit_mode_ = adEditNone;
   originals_.clear();
   changed_.assign(width_, false);
@@ -204,6 +218,10 @@ void CursorEngine::Close() {
   deleted_.clear();
   order_.clear();
   filter_.clear();
+  filter_criteria_.reset();
+  chosen_.clear();
+  sort_.clear();
+  sort_text_.clear();
   originals_.clear();
   writer_.reset();
   index_.reset();
@@ -292,21 +310,30 @@ Variant CursorEngine::Bookmark() const {
   RequireOpen();
   // A double, as the classic client cursor's bookmarks are, so that it can
   // never be taken for one of the BookmarkEnum values.
-  return Variant(static_cast<double>(CurrentRow()) + 1.0);
+  return Variant(static_cast<double>(family_) * kFamilySpan + static_cast<double>(CurrentRow()) +
+                 1.0);
+}
+
+ptrdiff_t CursorEngine::PositionOfBookmark(const Variant& bookmark) const {
+  const double* d = bookmark.Get<double>();
+  if (!d || !(*d >= 1.0) || std::floor(*d) != *d) return -1;
+  const double family = std::floor(*d / kFamilySpan);
+  const double row = *d - family * kFamilySpan - 1.0;
+  if (family != static_cast<double>(family_) || row < 0 ||
+      row >= static_cast<double>(StoredRowCount())) {
+    return -1;
+  }
+  return PositionOfRow(static_cast<uint32_t>(row));
 }
 
 void CursorEngine::Bookmark(const Variant& bookmark) {
   RequireOpen();
-  const Variant* b = &bookmark;
-  const double* d = b->Get<double>();
-  ptrdiff_t position = -1;
-  if (d && *d >= 1.0 && *d <= static_cast<double>(StoredRowCount())) {
-    position = PositionOfRow(static_cast<uint32_t>(*d - 1.0));
-  }
+  const ptrdiff_t position = PositionOfBookmark(bookmark);
   if (position < 0) {
     throw Error(kErrInvalidArgument,
                 "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (The bookmark names no visible row.)",
+                "conflict with one another. (The bookmark names no visible row of this "
+                "recordset.)",
                 kSource);
   }
   CommitPending();
@@ -316,6 +343,10 @@ void CursorEngine::Bookmark(const Variant& bookmark) {
 }
 
 ptrdiff_t CursorEngine::PositionOfRow(uint32_t row) const {
+  if (!sort_.empty()) {
+    const auto at = std::find(order_.begin(), order_.end(), row);
+    return at == order_.end() ? -1 : at - order_.begin();
+  }
   // Rows keep storage order in order_ (a Filter keeps it too), so a binary
   // search finds them.
   auto it = std::lower_bound(order_.begin(), order_.end(), row);
@@ -394,9 +425,11 @@ void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
   const Criteria criteria =
       Criteria::Parse(criteria_text, [this](std::string_view n) { return ResolveColumn(n); });
   if (!criteria.IsSingleComparison()) {
-    throw Error(kErrBadCriteria,
-                "Cannot use the criteria \"" + criteria_text +
-                    "\": Find takes one comparison (Filter takes AND and OR)",
+    throw Error(kErrInvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in "
+                "conflict with one another. (Cannot use the criteria \"" +
+                    criteria_text.substr(0, 200) +
+                    "\": Find takes one comparison; Filter takes AND and OR.)",
                 kSource);
   }
   if (direction != adSearchForward && direction != adSearchBackward) {
@@ -429,11 +462,7 @@ void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
       origin = static_cast<ptrdiff_t>(order_.size()) - 1;
       break;
     default: {
-      const double* d = start.Get<double>();
-      origin = -1;
-      if (d && *d >= 1.0 && *d <= static_cast<double>(StoredRowCount())) {
-        origin = PositionOfRow(static_cast<uint32_t>(*d - 1.0));
-      }
+      origin = PositionOfBookmark(start);
       if (origin < 0) {
         throw Error(kErrInvalidArgument,
                     "Arguments are of the wrong type, are out of acceptable range, or are in "
@@ -447,9 +476,11 @@ void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
   ptrdiff_t from;
   if (from_deleted) {
     // The deleted row sat just before pos_: skip counts from that gap.
-    from = step > 0 ? pos_ + std::max(skip_rows - 1, 0) : pos_ - 1 - std::max(skip_rows - 1, 0);
+    // Counted in ptrdiff_t: skip_rows may be any 32-bit value.
+    const ptrdiff_t beyond = std::max<ptrdiff_t>(ptrdiff_t{skip_rows} - 1, 0);
+    from = step > 0 ? pos_ + beyond : pos_ - 1 - beyond;
   } else {
-    from = origin + static_cast<ptrdiff_t>(skip_rows) * step;
+    from = origin + ptrdiff_t{skip_rows} * step;
   }
   if (step > 0 && from < 0) from = 0;
   if (step < 0 && from >= size) from = size - 1;
@@ -523,8 +554,84 @@ void CursorEngine::Filter(const std::string& criteria_text) {
         Criteria::Parse(criteria_text, [this](std::string_view n) { return ResolveColumn(n); });
   }
   CommitPending();
+  chosen_.clear();
   RebuildOrder(criteria ? &*criteria : nullptr);
+  filter_criteria_ = criteria ? std::make_unique<Criteria>(std::move(*criteria)) : nullptr;
   filter_ = clear ? std::string() : criteria_text;
+  ResetPosition();
+}
+
+void CursorEngine::FilterGroup(FilterGroupEnum group) {
+  RequireOpen();
+  if (group == adFilterNone || group == adFilterFetchedRecords) return Filter("");
+  if (group != adFilterPendingRecords && group != adFilterAffectedRecords &&
+      group != adFilterConflictingRecords) {
+    throw Error(kErrInvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in "
+                "conflict with one another. (No such filter group.)",
+                kSource);
+  }
+  // Changes are written as they are made: no row waits to be sent, was left
+  // by a batch, or conflicts with one, so these views are empty.
+  CommitPending();
+  filter_criteria_.reset();
+  filter_.clear();
+  chosen_.assign(StoredRowCount(), 0);
+  RebuildOrder(nullptr);
+  ResetPosition();
+}
+
+void CursorEngine::FilterBookmarks(const std::vector<Variant>& bookmarks) {
+  RequireOpen();
+  std::vector<uint8_t> chosen(StoredRowCount(), 0);
+  for (const Variant& bookmark : bookmarks) {
+    const ptrdiff_t position = PositionOfBookmark(bookmark);
+    if (position < 0) {
+      throw Error(kErrInvalidArgument,
+                  "Arguments are of the wrong type, are out of acceptable range, or are in "
+                  "conflict with one another. (A bookmark of the filter names no visible row of "
+                  "this recordset.)",
+                  kSource);
+    }
+    chosen[order_[static_cast<size_t>(position)]] = 1;
+  }
+  CommitPending();
+  filter_criteria_.reset();
+  filter_.clear();
+  chosen_ = std::move(chosen);
+  RebuildOrder(nullptr);
+  ResetPosition();
+}
+
+void CursorEngine::Sort(const std::string& sort) {
+  RequireOpen();
+  std::vector<SortKey> keys =
+      ParseSort(sort, [this](std::string_view n) { return ResolveColumn(n); });
+  CommitPending();
+  sort_ = std::move(keys);
+  sort_text_ = sort_.empty() ? std::string() : sort;
+  RebuildOrder(filter_criteria_.get());
+  ResetPosition();
+}
+
+void CursorEngine::CloneFrom(const CursorEngine& other, bool read_only) {
+  RequireClosed();
+  other.RequireOpen();
+  columns_ = other.columns_;
+  width_ = other.width_;
+  if (other.store_) {
+    store_ = other.store_;
+    store_rows_ = other.store_rows_;
+  } else {
+    cells_ = other.cells_;
+  }
+  Opened(LoadOptions{
+      other.source_, other.connection_, read_only ? adLockReadOnly : other.lock_type_,
+      read_only ? WriteMode::kReadOnly : other.write_mode_, read_only ? nullptr : other.writer_});
+  max_records_ = other.max_records_;
+  deleted_ = other.deleted_;
+  family_ = other.family_;
+  RebuildOrder(nullptr);
   ResetPosition();
 }
 
@@ -533,9 +640,11 @@ void CursorEngine::RebuildOrder(const Criteria* criteria) {
   const size_t count = StoredRowCount();
   for (size_t row = 0; row < count; ++row) {
     if (deleted_[row]) continue;
+    if (!chosen_.empty() && (row >= chosen_.size() || !chosen_[row])) continue;
     if (criteria && !criteria->Matches(StoredRow(row))) continue;
     order_.push_back(static_cast<uint32_t>(row));
   }
+  SortRows(order_, sort_, [this](uint32_t row) { return StoredRow(row); });
   ChangedRows();
 }
 

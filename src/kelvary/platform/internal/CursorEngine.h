@@ -50,6 +50,7 @@
 #include "kelvary/platform/DataAccessTypes.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Variant.h"
+#include "kelvary/platform/internal/SortOrder.h"
 #include "kelvary/platform/internal/drivers/Driver.h"
 
 namespace kelvary {
@@ -157,6 +158,20 @@ class CursorEngine {
             const Variant& start);
   const std::string& Filter() const { return filter_; }
   void Filter(const std::string& criteria);
+  // Sort: "column [ASC|DESC], ..." orders the visible rows (Filter and Find
+  // follow it; "" gives the stored order back). Moves to the first row.
+  const std::string& Sort() const { return sort_text_; }
+  void Sort(const std::string& sort);
+  // CloneFrom: the rows of other, each under the row id (and so the
+  // bookmark) it has there, with a position of its own on the first row and
+  // no filter or sort. REQUIRES: closed, other open.
+  void CloneFrom(const CursorEngine& other, bool read_only);
+  // FilterGroup: adFilterNone and adFilterFetchedRecords show every row;
+  // the other groups name rows of batch updating, which changes written at
+  // once never leave, so they show none. FilterBookmarks shows the rows
+  // the bookmarks name (Error 3001 for one that names no visible row).
+  void FilterGroup(FilterGroupEnum group);
+  void FilterBookmarks(const std::vector<Variant>& bookmarks);
 
   // Fields.
   int32_t FieldCount() const;
@@ -245,6 +260,7 @@ class CursorEngine {
   void Opened(LoadOptions options);
   int32_t ResolveColumn(std::string_view name) const;
   ptrdiff_t PositionOfRow(uint32_t row) const;
+  ptrdiff_t PositionOfBookmark(const Variant& bookmark) const;
   ptrdiff_t FindByIndex(const Criteria& criteria, ptrdiff_t from, int step);
 
   // Settings, kept while closed.
@@ -268,11 +284,18 @@ class CursorEngine {
   std::shared_ptr<const RowSet> store_;
   std::vector<uint32_t> store_rows_;
   std::vector<uint8_t> deleted_;  // per row id
-  // The visible rows. Always in ascending row id (a Filter keeps storage
-  // order, AddNew appends the highest id), so a row's position is found by
-  // binary search; a Sort would have to give that up.
+  // The visible rows: in ascending row id (a Filter keeps storage order,
+  // AddNew appends the highest id), so that a row's position is found by
+  // binary search, unless a Sort orders them otherwise.
   std::vector<uint32_t> order_;
   std::string filter_;
+  std::unique_ptr<Criteria> filter_criteria_;  // kept so that a Sort keeps the filter
+  std::vector<SortKey> sort_;
+  std::string sort_text_;
+  // Bookmarks carry the number of the rows they were taken from, which
+  // clones share, so that one recordset's bookmark is refused by another.
+  uint32_t family_ = 0;
+  std::vector<uint8_t> chosen_;  // per row id, for a filter of bookmarks; empty: all
 
   // Position: an index into order_; -1 is BOF, order_.size() is EOF. After a
   // Delete the deleted row stays current (on_deleted_) and pos_ names the

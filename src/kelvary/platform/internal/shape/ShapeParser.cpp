@@ -1,5 +1,6 @@
 #include "kelvary/platform/internal/shape/ShapeParser.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 
@@ -9,8 +10,11 @@
 namespace kelvary::shape {
 namespace {
 
-constexpr std::array<std::string_view, 8> kKeywords = {"SHAPE", "APPEND",  "AS", "RELATE",
-                                                       "TO",    "COMPUTE", "BY", "NEW"};
+constexpr std::array<std::string_view, 10> kKeywords = {
+    "SHAPE", "APPEND", "AS", "RELATE", "TO", "COMPUTE", "BY", "NEW", "PARAMETER", "TABLE"};
+
+constexpr std::array<std::string_view, 7> kAggregates = {"SUM",   "AVG",   "MIN", "MAX",
+                                                         "COUNT", "STDEV", "ANY"};
 
 bool IsKeyword(std::string_view word) {
   for (std::string_view k : kKeywords) {
@@ -43,31 +47,142 @@ class Parser {
 
   ShapeLevel Statement() {
     ExpectKeyword("SHAPE");
-    ShapeLevel level = ShapeBody();
+    ShapeLevel level = ShapeBody(0);
     SkipBlanks();
-    if (pos_ < text_.size()) {
-      if (EqualsNoCase(PeekWord(), "COMPUTE")) Unsupported("COMPUTE");
-      Fail(pos_, "APPEND or the end of the command");
-    }
+    if (pos_ < text_.size()) Fail(pos_, "APPEND, COMPUTE or the end of the command");
     return level;
   }
 
  private:
   // ShapeBody: what follows the word SHAPE.
-  ShapeLevel ShapeBody() {
-    ShapeLevel level = Table();
+  ShapeLevel ShapeBody(int depth) {
+    if (depth >= kMaxShapeNesting) {
+      throw Error(kErrProviderFailure,
+                  "SHAPE command at position " + std::to_string(pos_ + 1) +
+                      ": levels are nested more than " + std::to_string(kMaxShapeNesting) + " deep",
+                  "Shape")
+          .WithStatement(std::string(text_));
+    }
+    ShapeLevel level = Table(depth);
     Alias(level.alias);
     SkipBlanks();
+    if (AcceptKeyword("COMPUTE")) return Compute(std::move(level));
     if (AcceptKeyword("APPEND")) {
       do {
-        level.children.push_back(Child());
+        SkipBlanks();
+        if (Peek() == '(') {
+          level.children.push_back(Child(depth));
+        } else {
+          level.columns.push_back(Column());
+        }
       } while (Accept(',') || AcceptKeyword("APPEND"));
     }
     return level;
   }
 
-  // Table: {provider command} or (SHAPE ...).
-  ShapeLevel Table() {
+  // Compute: the level read so far grouped; "COMPUTE alias" names it.
+  ShapeLevel Compute(ShapeLevel grouped) {
+    SkipBlanks();
+    const size_t at = pos_;
+    const std::string name = Name("the alias of the rows to compute");
+    if (!EqualsNoCase(name, grouped.alias)) {
+      SkipBlanks();
+      Fail(at, "the alias of the rows before COMPUTE (" +
+                   (grouped.alias.empty() ? std::string("none was given") : grouped.alias) + ")");
+    }
+    ShapeLevel level;
+    level.compute = true;
+    ShapeChild child;
+    child.level = std::move(grouped);
+    Alias(child.chapter_name);
+    level.children.push_back(std::move(child));
+    while (Accept(','))
+      level.columns.push_back(Column());
+    SkipBlanks();
+    if (AcceptKeyword("BY")) {
+      do {
+        level.by.push_back(Name("a field to group by"));
+      } while (Accept(','));
+    }
+    return level;
+  }
+
+  // Column: an aggregate, CALC(...) or NEW type, with its alias.
+  ShapeColumn Column() {
+    SkipBlanks();
+    const size_t at = pos_;
+    ShapeColumn column;
+    const std::string word = UpperCase(Word());
+    if (word == "NEW") {
+      column.kind = ShapeColumn::kNew;
+      column.type = Name("a type after NEW");
+      if (Accept('(')) {
+        SkipBlanks();
+        const size_t digits = pos_;
+        while (pos_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[pos_])))
+          ++pos_;
+        if (pos_ == digits || pos_ - digits > 9) Fail(digits, "a size");
+        column.size = std::stoi(std::string(text_.substr(digits, pos_ - digits)));
+        while (Accept(',')) {  // precision and scale: read and not needed
+          SkipBlanks();
+          while (pos_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[pos_])))
+            ++pos_;
+        }
+        Expect(')');
+      }
+    } else if (word == "CALC") {
+      column.kind = ShapeColumn::kCalc;
+      Expect('(');
+      const size_t open = pos_;
+      int parens = 1;
+      while (pos_ < text_.size() && parens > 0) {
+        const char c = text_[pos_++];
+        if (c == '"' || c == '\'') {
+          while (pos_ < text_.size() && text_[pos_] != c)
+            ++pos_;
+          if (pos_ < text_.size()) ++pos_;
+        } else if (c == '(') {
+          ++parens;
+        } else if (c == ')') {
+          --parens;
+        }
+      }
+      if (parens > 0) Fail(text_.size(), ") closing CALC");
+      column.expression = std::string(TrimSpace(text_.substr(open, pos_ - 1 - open)));
+      if (column.expression.empty()) Fail(open, "an expression");
+    } else if (std::find(kAggregates.begin(), kAggregates.end(), word) != kAggregates.end()) {
+      column.function = word;
+      Expect('(');
+      column.chapter = Name("a chapter name");
+      if (const size_t dot = column.chapter.find('.'); dot != std::string::npos) {
+        column.field = column.chapter.substr(dot + 1);
+        column.chapter.resize(dot);
+      } else if (Peek() == '.') {
+        ++pos_;
+        column.field = Name("a field name");
+      }
+      if (column.chapter.empty()) Fail(at, "a chapter name");
+      if (column.field.empty() && word != "COUNT") Fail(pos_, ". and a field of the chapter");
+      Expect(')');
+    } else {
+      pos_ = at;
+      Fail(at, "( or SUM, AVG, MIN, MAX, COUNT, STDEV, ANY, CALC or NEW");
+    }
+    Alias(column.name);
+    return column;
+  }
+
+  // Word: the plain word at the position, taken.
+  std::string_view Word() {
+    std::string_view word = PeekWord();
+    const size_t paren = word.find('(');
+    if (paren != std::string_view::npos) word = word.substr(0, paren);
+    pos_ += word.size();
+    return word;
+  }
+
+  // Table: {provider command}, TABLE name or (SHAPE ...).
+  ShapeLevel Table(int depth) {
     SkipBlanks();
     if (Peek() == '{') {
       ShapeLevel level;
@@ -77,22 +192,41 @@ class Parser {
     if (Peek() == '(') {
       ++pos_;
       ExpectKeyword("SHAPE");
-      ShapeLevel level = ShapeBody();
+      ShapeLevel level = ShapeBody(depth + 1);
       Expect(')');
       return level;
     }
-    if (EqualsNoCase(PeekWord(), "NEW")) Unsupported("NEW");
-    Fail(pos_, "{ or (");
+    if (AcceptKeyword("TABLE")) {
+      ShapeLevel level;
+      level.command = "SELECT * FROM " + SqlName(Name("a table name after TABLE"));
+      return level;
+    }
+    Fail(pos_, "{, ( or TABLE");
   }
 
-  ShapeChild Child() {
+  // SqlName: a table name as the provider's SQL writes it.
+  static std::string SqlName(const std::string& name) {
+    bool plain = !name.empty() && !std::isdigit(static_cast<unsigned char>(name[0]));
+    for (char c : name) {
+      if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_' && c != '.') plain = false;
+    }
+    if (plain) return name;
+    std::string quoted = "\"";
+    for (char c : name) {
+      if (c == '"') quoted += '"';
+      quoted += c;
+    }
+    return quoted + "\"";
+  }
+
+  ShapeChild Child(int depth) {
     Expect('(');
     ShapeChild child;
     SkipBlanks();
     if (AcceptKeyword("SHAPE")) {
-      child.level = ShapeBody();
+      child.level = ShapeBody(depth + 1);
     } else {
-      child.level = Table();
+      child.level = Table(depth + 1);
       Alias(child.level.alias);
     }
     SkipBlanks();
@@ -102,7 +236,17 @@ class Parser {
       pair.parent_column = Name("a column name of the parent");
       SkipBlanks();
       if (!AcceptKeyword("TO")) Fail(pos_, "TO");
-      pair.child_column = Name("a column name of the child");
+      SkipBlanks();
+      if (AcceptKeyword("PARAMETER")) {
+        SkipBlanks();
+        const size_t digits = pos_;
+        while (pos_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[pos_])))
+          ++pos_;
+        if (pos_ == digits || pos_ - digits > 4) Fail(digits, "a parameter number");
+        pair.parameter = std::stoi(std::string(text_.substr(digits, pos_ - digits)));
+      } else {
+        pair.child_column = Name("a column name of the child");
+      }
       child.relations.push_back(std::move(pair));
     } while (Accept(','));
     Expect(')');
@@ -258,14 +402,6 @@ class Parser {
                 "Shape")
         .WithStatement(std::string(text_));
   }
-  [[noreturn]] void Unsupported(const char* keyword) const {
-    throw Error(kErrProviderFailure,
-                "SHAPE command at position " + std::to_string(pos_ + 1) + ": " + keyword +
-                    " is not supported; only APPEND with RELATE is",
-                "Shape")
-        .WithStatement(std::string(text_));
-  }
-
   std::string_view text_;
   size_t pos_ = 0;
 };
