@@ -119,6 +119,23 @@ namespace {
 Arg In(Variant v) {
   return Arg{std::move(v)};
 }
+
+// The nine arguments every action-history event starts with, in the events'
+// order; the Before events add bContinue after them.
+template <class Key>
+Args HistoryArgs(ProjectDataSources source, DBRecordActionTypes action, int32_t table_id,
+                 const std::string& table_name, int32_t user_id, Key key1, Key key2,
+                 const std::string& field1, const std::string& field2) {
+  return Args{In(static_cast<int32_t>(source)),
+              In(static_cast<int32_t>(action)),
+              In(table_id),
+              In(table_name),
+              In(user_id),
+              In(key1),
+              In(key2),
+              In(field1),
+              In(field2)};
+}
 }  // namespace
 
 void DispatchEventSink::CheckAllowRecordDelete(int32_t DataTableId, int32_t RecID,
@@ -152,16 +169,9 @@ void DispatchEventSink::BeforePostActionHistory(ProjectDataSources SourceofData,
                                                 int32_t KeyValue1, int32_t KeyValue2,
                                                 const std::string& KeyField1,
                                                 const std::string& KeyField2, bool& bContinue) {
-  Args a{In(static_cast<int32_t>(SourceofData)),
-         In(static_cast<int32_t>(DBActionType)),
-         In(TableId),
-         In(TableName),
-         In(UserId),
-         In(KeyValue1),
-         In(KeyValue2),
-         In(KeyField1),
-         In(KeyField2),
-         Arg::Ref(bContinue)};
+  Args a = HistoryArgs(SourceofData, DBActionType, TableId, TableName, UserId, KeyValue1, KeyValue2,
+                       KeyField1, KeyField2);
+  a.push_back(Arg::Ref(bContinue));
   if (Fire(5, a)) bContinue = CBool(a[9].value);
 }
 
@@ -181,15 +191,8 @@ void DispatchEventSink::AfterPostActionHistory(ProjectDataSources SourceofData,
                                                int32_t KeyValue1, int32_t KeyValue2,
                                                const std::string& KeyField1,
                                                const std::string& KeyField2) {
-  Args a{In(static_cast<int32_t>(SourceofData)),
-         In(static_cast<int32_t>(DBActionType)),
-         In(TableId),
-         In(TableName),
-         In(UserId),
-         In(KeyValue1),
-         In(KeyValue2),
-         In(KeyField1),
-         In(KeyField2)};
+  Args a = HistoryArgs(SourceofData, DBActionType, TableId, TableName, UserId, KeyValue1, KeyValue2,
+                       KeyField1, KeyField2);
   Fire(7, a);
 }
 
@@ -197,16 +200,9 @@ void DispatchEventSink::BeforePostActionHistoryAsDouble(
     ProjectDataSources SourceofData, DBRecordActionTypes DBActionType, int32_t TableId,
     const std::string& TableName, int32_t UserId, double KeyValue1, double KeyValue2,
     const std::string& KeyField1, const std::string& KeyField2, bool& bContinue) {
-  Args a{In(static_cast<int32_t>(SourceofData)),
-         In(static_cast<int32_t>(DBActionType)),
-         In(TableId),
-         In(TableName),
-         In(UserId),
-         In(KeyValue1),
-         In(KeyValue2),
-         In(KeyField1),
-         In(KeyField2),
-         Arg::Ref(bContinue)};
+  Args a = HistoryArgs(SourceofData, DBActionType, TableId, TableName, UserId, KeyValue1, KeyValue2,
+                       KeyField1, KeyField2);
+  a.push_back(Arg::Ref(bContinue));
   if (Fire(8, a)) bContinue = CBool(a[9].value);
 }
 
@@ -214,15 +210,8 @@ void DispatchEventSink::AfterPostActionHistoryAsDouble(
     ProjectDataSources SourceofData, DBRecordActionTypes DBActionType, int32_t TableId,
     const std::string& TableName, int32_t UserId, double KeyValue1, double KeyValue2,
     const std::string& KeyField1, const std::string& KeyField2) {
-  Args a{In(static_cast<int32_t>(SourceofData)),
-         In(static_cast<int32_t>(DBActionType)),
-         In(TableId),
-         In(TableName),
-         In(UserId),
-         In(KeyValue1),
-         In(KeyValue2),
-         In(KeyField1),
-         In(KeyField2)};
+  Args a = HistoryArgs(SourceofData, DBActionType, TableId, TableName, UserId, KeyValue1, KeyValue2,
+                       KeyField1, KeyField2);
   Fire(9, a);
 }
 
