@@ -5,7 +5,7 @@
 set -euo pipefail
 
 packages=(cmake make g++ pkg-config libsqlite3-dev libgtest-dev libgmock-dev
-          libbenchmark-dev unixodbc-dev nlohmann-json3-dev "$@")
+          libbenchmark-dev unixodbc-dev libpq-dev nlohmann-json3-dev "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -11,8 +11,10 @@
 #                                    export them)
 #
 # With the servers there the tests that skip without them run too: the ODBC
-# driver's tests, the shaping layer's over ODBC, and the /PostgreSQL and
-# /MariaDB instances of each test of the shared suites. No test may skip.
+# driver's tests, the shaping layer's over ODBC, the PostgreSQL driver's own
+# tests, and the /PostgreSQL (ODBC), /PostgreSQL_libpq (PostgreSQL's own
+# client) and /MariaDB instances of each test of the shared suites. No test
+# may skip.
 #
 # The comparison loads the demo practice into two databases on each server
 # (the ones behind the data sources <dsn>_1 and <dsn>_2 of the pool), then
@@ -130,6 +132,8 @@ run_tests() {
       exit 1
     fi
     grep -q "PostgreSQL.*Passed" "$log" || { echo "CI: no PostgreSQL test ran" >&2; exit 1; }
+    grep -q "PostgreSQL_libpq.*Passed" "$log" ||
+      { echo "CI: no test ran through the PostgreSQL driver" >&2; exit 1; }
     grep -q "MariaDB.*Passed" "$log" || { echo "CI: no MariaDB test ran" >&2; exit 1; }
     rm -f "$log"
   done

@@ -208,6 +208,22 @@ std::string NoServer(const ServerKind& kind) {
          " test server: eval \"$(" + kind.script + " start)\" starts one";
 }
 
+// ServerClient: how the library reaches a test database: through ODBC by
+// the slot's data source, or (PostgreSQL) through the server's own client,
+// by a Provider=PostgreSQL string and, for the service object, by the
+// database's postgresql:// URI.
+enum class ServerClient { kOdbc, kLibpq };
+
+// PgSetting: one key of the test server's libpq connection string.
+std::string PgSetting(const std::string& key) {
+  std::istringstream words(EnvOrEmpty("KELVARY_TEST_PG_CONNINFO"));
+  std::string word;
+  while (words >> word) {
+    if (word.rfind(key + "=", 0) == 0) return word.substr(key.size() + 1);
+  }
+  return "";
+}
+
 #ifdef KELVARY_HAVE_ODBC
 
 std::string WithSlot(const char* sql, int slot) {
@@ -223,9 +239,12 @@ std::string WithSlot(const char* sql, int slot) {
 class ServerPool {
  public:
   static ServerPool& Get(const ServerKind& kind) {
-    static ServerPool* postgres = new ServerPool(kPostgres);
+    if (&kind == &kPostgres) {
+      static ServerPool* postgres = new ServerPool(kPostgres);
+      return *postgres;
+    }
     static ServerPool* mariadb = new ServerPool(kMariaDb);
-    return &kind == &kPostgres ? *postgres : *mariadb;
+    return *mariadb;
   }
 
   // Acquire: a free slot, its database there and empty (PostgreSQL empties
@@ -305,9 +324,13 @@ class ServerPool {
 
 class ServerDatabase : public BackendDatabase::Impl {
  public:
-  explicit ServerDatabase(const ServerKind& kind)
-      : pool_(ServerPool::Get(kind)), slot_(pool_.Acquire()) {
+  ServerDatabase(const ServerKind& kind, ServerClient client)
+      : pool_(ServerPool::Get(kind)), slot_(pool_.Acquire()), client_(client) {
     data_source_ = pool_.Dsn(slot_);
+    if (client_ == ServerClient::kLibpq) {
+      data_source_ = "postgresql://" + PgSetting("user") + ":" + PgSetting("password") + "@" +
+                     PgSetting("host") + ":" + PgSetting("port") + "/" + pool_.DatabaseName(slot_);
+    }
     try {
       connection_ = OpenClient(ConnectionString());
       if (&kind == &kPostgres) {
@@ -334,63 +357,98 @@ class ServerDatabase : public BackendDatabase::Impl {
       ADD_FAILURE() << "giving back " << data_source_ << ": " << e.what();
     }
   }
-  std::string ConnectionString() const override { return "DSN=" + data_source_; }
+  std::string ConnectionString() const override {
+    if (client_ == ServerClient::kLibpq) {
+      return "Provider=PostgreSQL;Host=" + PgSetting("host") + ";Port=" + PgSetting("port") +
+             ";Database=" + pool_.DatabaseName(slot_) + ";User ID=" + PgSetting("user") +
+             ";Password=" + PgSetting("password");
+    }
+    return "DSN=" + data_source_;
+  }
 
  private:
   ServerPool& pool_;
   int slot_;
+  ServerClient client_;
 };
 
 #endif
 
 class ServerBackend : public Backend {
  public:
-  ServerBackend(const ServerKind& kind, BackendTraits traits)
-      : kind_(kind), traits_(std::move(traits)) {}
+  ServerBackend(const ServerKind& kind, BackendTraits traits,
+                ServerClient client = ServerClient::kOdbc)
+      : kind_(kind), traits_(std::move(traits)), client_(client) {}
   const BackendTraits& Traits() const override { return traits_; }
   std::string SkipReason() const override {
     if (EnvOrEmpty(kind_.dsn_env).empty()) return NoServer(kind_);
 #ifndef KELVARY_HAVE_ODBC
+    // The test databases are handed out over an ODBC control connection.
     return "the library was built without ODBC (unixODBC's headers were not found)";
 #else
+    if (client_ == ServerClient::kLibpq) {
+#ifndef KELVARY_HAVE_LIBPQ
+      return "the library was built without PostgreSQL's client (libpq's headers were not found)";
+#else
+      if (EnvOrEmpty("KELVARY_TEST_PG_CONNINFO").empty()) {
+        return "KELVARY_TEST_PG_CONNINFO is not set: eval \"$(scripts/pg-test-server.sh start)\" "
+               "sets it";
+      }
+#endif
+    }
     return "";
 #endif
   }
   BackendDatabase NewDatabase(const std::string&) const override {
 #ifdef KELVARY_HAVE_ODBC
-    return BackendDatabase(std::make_unique<ServerDatabase>(kind_));
+    return BackendDatabase(std::make_unique<ServerDatabase>(kind_, client_));
 #else
     throw std::runtime_error(SkipReason());
 #endif
   }
   std::string MissingDataSource() const override {
+    if (client_ == ServerClient::kLibpq) {
+      return "postgresql://" + PgSetting("user") + ":" + PgSetting("password") + "@" +
+             PgSetting("host") + ":" + PgSetting("port") + "/kelvary_no_such_database";
+    }
     return "kelvary_no_such_source";
   }
 
  private:
   const ServerKind& kind_;
   BackendTraits traits_;
+  ServerClient client_;
 };
 
 }  // namespace
 
 const std::vector<const Backend*>& Backends() {
   static const SqliteBackend sqlite;
-  static const ServerBackend postgres(
+  const BackendTraits postgres_traits{
+      .name = "PostgreSQL",
+      .main_db_type = sdbOracle,
+      .lower_case_names = true,
+      .bare_messages = false,
+      .loose_types = false,
+      .auto_key = "SERIAL PRIMARY KEY",
+      .datetime_type = "TIMESTAMP",
+      .keeps_table_order = false,
+      .missing_table_text = "relation \"{table}\" does not exist",
+      .not_null_text =
+          "null value in column \"{column}\" of relation "
+          "\"{table}\" violates not-null constraint",
+      .sync_auto_key_sql =
+          "SELECT setval(pg_get_serial_sequence('{table}', '{column}'), "
+          "(SELECT max({column}) FROM {table}))"};
+  static const ServerBackend postgres(kPostgres, postgres_traits);
+  static const ServerBackend postgres_libpq(
       kPostgres,
-      {.name = "PostgreSQL",
-       .main_db_type = sdbOracle,
-       .lower_case_names = true,
-       .bare_messages = false,
-       .loose_types = false,
-       .auto_key = "SERIAL PRIMARY KEY",
-       .datetime_type = "TIMESTAMP",
-       .keeps_table_order = false,
-       .missing_table_text = "relation \"{table}\" does not exist",
-       .not_null_text = "null value in column \"{column}\" of relation "
-                        "\"{table}\" violates not-null constraint",
-       .sync_auto_key_sql = "SELECT setval(pg_get_serial_sequence('{table}', '{column}'), "
-                            "(SELECT max({column}) FROM {table}))"});
+      [&] {
+        BackendTraits traits = postgres_traits;
+        traits.name = "PostgreSQL_libpq";
+        return traits;
+      }(),
+      ServerClient::kLibpq);
   static const ServerBackend mariadb(kMariaDb, {.name = "MariaDB",
                                                 .main_db_type = sdbAccess,
                                                 .bare_messages = false,
@@ -400,7 +458,7 @@ const std::vector<const Backend*>& Backends() {
                                                 .keeps_table_order = false,
                                                 .missing_table_text = ".{table}' doesn't exist",
                                                 .not_null_text = "'{column}'"});
-  static const std::vector<const Backend*> all = {&sqlite, &postgres, &mariadb};
+  static const std::vector<const Backend*> all = {&sqlite, &postgres, &postgres_libpq, &mariadb};
   return all;
 }
 

@@ -7,6 +7,10 @@
 //   PostgreSQL  through ODBC, when KELVARY_TEST_ODBC_DSN names a data source
 //               (scripts/pg-test-server.sh starts a throw-away server and
 //               exports the settings);
+//   PostgreSQL_libpq  the same server and pool through PostgreSQL's own
+//               client, when KELVARY_TEST_PG_CONNINFO is set too: opened by
+//               a Provider=PostgreSQL string, and by the database's
+//               postgresql:// URI as the service object's data source;
 //   MariaDB     through ODBC, when KELVARY_TEST_MARIADB_DSN names one
 //               (scripts/mariadb-test-server.sh);
 // without its server a backend's instances skip with one line saying how to
@@ -48,7 +52,8 @@ namespace kelvary::testing {
 // system's own text cannot run on a backend the suites skip that case with
 // the reason below.
 struct BackendTraits {
-  // Name: "SQLite", "PostgreSQL" or "MariaDB"; the suffix of the tests' names.
+  // Name: "SQLite", "PostgreSQL", "PostgreSQL_libpq" or "MariaDB"; the
+  // suffix of the tests' names.
   std::string name;
   // MainDBType: the dialect the service object is set to. Every engine runs
   // every dialect (the drivers translate); the servers take one each, so

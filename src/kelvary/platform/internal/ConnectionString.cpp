@@ -88,9 +88,15 @@ std::string QuoteConnectionValue(std::string_view value) {
   return out;
 }
 
+bool IsPostgresUri(std::string_view text) {
+  text = TrimSpace(text);
+  return StartsWithNoCase(text, "postgresql://") || StartsWithNoCase(text, "postgres://");
+}
+
 bool IsSqliteFileName(std::string_view name) {
   name = TrimSpace(name);
   if (name == ":memory:") return true;
+  if (IsPostgresUri(name)) return false;
   if (name.find('/') != std::string_view::npos || name.find('\\') != std::string_view::npos) {
     return true;
   }
@@ -99,8 +105,14 @@ bool IsSqliteFileName(std::string_view name) {
 }
 
 DriverChoice ChooseDriver(std::string_view connection_string) {
-  const ConnectionStringItems items = ParseConnectionString(connection_string);
   DriverChoice choice;
+  if (IsPostgresUri(connection_string)) {  // libpq's own form, as it stands
+    choice.kind = DriverChoice::kPostgres;
+    choice.postgres_uri = std::string(TrimSpace(connection_string));
+    choice.data_source = choice.postgres_uri;
+    return choice;
+  }
+  const ConnectionStringItems items = ParseConnectionString(connection_string);
   const std::string provider = LowerCase(items.Get("Provider").value_or(""));
   const std::string data_source = items.Get("Data Source").value_or("");
   choice.data_source = data_source;
@@ -127,6 +139,13 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
     choice.data_source = items.Get("DSN").value_or(*items.Get("Driver"));
     return choice;
   }
+  if (provider.rfind("postgresql", 0) == 0 || provider == "postgres") {
+    // The server's settings are the string's own keys (Host, Port,
+    // Database, User ID, Password), read by the driver.
+    choice.kind = DriverChoice::kPostgres;
+    choice.data_source = items.Get("Database").value_or(data_source);
+    return choice;
+  }
   if (provider.rfind("sqlite", 0) == 0) {  // SQLite, SQLite3, SQLite.1 ...
     choice.kind = DriverChoice::kSqlite;
     choice.sqlite_path = data_source;
@@ -135,7 +154,12 @@ DriverChoice ChooseDriver(std::string_view connection_string) {
   if (provider.empty() || provider.rfind("msdatashape", 0) == 0 || provider == "msdasql" ||
       provider.rfind("msdasql.", 0) == 0) {
     if (!data_source.empty()) {
-      if (IsSqliteFileName(data_source)) {
+      if (IsPostgresUri(data_source)) {
+        choice.kind = DriverChoice::kPostgres;
+        choice.postgres_uri = std::string(TrimSpace(data_source));
+        choice.user = items.Get("User ID").value_or("");
+        choice.password = items.Get("Password").value_or("");
+      } else if (IsSqliteFileName(data_source)) {
         choice.kind = DriverChoice::kSqlite;
         choice.sqlite_path = data_source;
       } else {

@@ -30,18 +30,26 @@ std::string QuoteConnectionValue(std::string_view value);
 
 // IsSqliteFileName: whether a data-source name names a SQLite database file
 // rather than an ODBC data source: it holds a path separator or ends in
-// .db, .sqlite or .sqlite3 (or is ":memory:").
+// .db, .sqlite or .sqlite3 (or is ":memory:"); a PostgreSQL URI is neither.
 bool IsSqliteFileName(std::string_view name);
+
+// IsPostgresUri: whether text is a PostgreSQL server's address in libpq's
+// URI form (postgresql://user@host:port/database?...).
+bool IsPostgresUri(std::string_view text);
 
 // DriverChoice: what a connection string asks for.
 struct DriverChoice {
-  enum Kind { kSqlite, kOdbc, kUnknown } kind = kUnknown;
+  // kPostgres: PostgreSQL's own client, for the whole string in its URI
+  // form, a Data Source in that form (the shaping form), or
+  // Provider=PostgreSQL with the server's settings as keys.
+  enum Kind { kSqlite, kOdbc, kPostgres, kUnknown } kind = kUnknown;
   std::string sqlite_path;  // kSqlite
   enum Mode { kReadOnly, kReadWrite, kReadWriteCreate } mode = kReadWrite;
-  std::string odbc_string;  // kOdbc: what to hand the ODBC driver manager
-  std::string data_source;  // the name the string gave, for messages
-  std::string user;         // the shaping form's User ID, if any
-  std::string password;     // the shaping form's Password, if any
+  std::string odbc_string;   // kOdbc: what to hand the ODBC driver manager
+  std::string postgres_uri;  // kPostgres: the URI, when the string gave one
+  std::string data_source;   // the name the string gave, for messages
+  std::string user;          // the shaping form's User ID, if any
+  std::string password;      // the shaping form's Password, if any
 };
 
 // ChooseDriver reads connection_string. Throws Error 3706 (provider not

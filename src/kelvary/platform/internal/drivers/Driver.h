@@ -5,7 +5,8 @@
 // the cursor engine above it.
 //
 // Drivers are the only code that calls a database's client API: the SQLite
-// driver (drivers/sqlite) and the ODBC driver (drivers/odbc). The driver
+// driver (drivers/sqlite), the ODBC driver (drivers/odbc) and the PostgreSQL
+// driver (drivers/postgres). The driver
 // factory (DriverFactory.h) picks one from the connection string. What
 // differs between databases and matters above the seam (locking, constraint
 // failures, comparing a stored value) is asked of the driver here, each with

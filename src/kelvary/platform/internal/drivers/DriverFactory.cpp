@@ -9,6 +9,10 @@
 #ifdef KELVARY_HAVE_ODBC
 #include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
 #endif
+#ifdef KELVARY_HAVE_LIBPQ
+#include "kelvary/platform/internal/ConnectionString.h"
+#include "kelvary/platform/internal/drivers/postgres/PostgresDriver.h"
+#endif
 
 namespace kelvary::internal {
 namespace {
@@ -65,6 +69,25 @@ std::unique_ptr<DriverConnection> OpenBuiltInDriver(const DriverTarget& target) 
       throw Error(kErrProviderNotFound,
                   "The data source \"" + choice.data_source +
                       "\" is reached through ODBC, and ODBC support is not built into this "
+                      "library",
+                  kSource);
+#endif
+    }
+    case DriverChoice::kPostgres: {
+#ifdef KELVARY_HAVE_LIBPQ
+      // The whole string a URI: libpq reads it alone. Otherwise the
+      // string's keys name the server, after the Data Source's URI if any.
+      const std::vector<postgres::ConnectSetting> settings =
+          IsPostgresUri(target.connection_string) ? std::vector<postgres::ConnectSetting>{}
+                                                  : postgres::SettingsFromItems(target.items.items);
+      auto pg = postgres::OpenPostgresConnection(
+          choice.postgres_uri, settings, std::string(target.user_id), std::string(target.password));
+      pg->SetBusyTimeout(target.busy_seconds);
+      return pg;
+#else
+      throw Error(kErrProviderNotFound,
+                  "The database \"" + choice.data_source +
+                      "\" is a PostgreSQL server, and PostgreSQL support is not built into this "
                       "library",
                   kSource);
 #endif

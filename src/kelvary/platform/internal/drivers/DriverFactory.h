@@ -1,6 +1,6 @@
 // DriverFactory: which driver opens a connection string. Connection asks
-// OpenDriver; the built-in drivers (SQLite, and ODBC when it is built) are
-// always there, and code that needs another one under a real connection (a
+// OpenDriver; the built-in drivers (SQLite, and ODBC and PostgreSQL when they
+// are built) are always there, and code that needs another one under a real connection (a
 // test's recording or failing driver, most often one that wraps a built-in
 // driver) puts its opener first in line for as long as a DriverRegistration
 // lives. Openers are asked newest first; the first that returns a driver

@@ -11,6 +11,7 @@
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Text.h"
 #include "kelvary/platform/internal/drivers/ConstraintMessages.h"
+#include "kelvary/platform/internal/drivers/ServerResults.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcConnection.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcDialect.h"
@@ -23,92 +24,10 @@ namespace {
 using odbc::Check;
 using odbc::ServerKind;
 
-// The first word of a statement, upper-cased, past blanks and comments.
-std::string FirstKeyword(std::string_view sql) {
-  size_t i = 0;
-  while (i < sql.size()) {
-    if (std::isspace(static_cast<unsigned char>(sql[i])) || sql[i] == '(') {
-      ++i;
-    } else if (sql.compare(i, 2, "--") == 0) {
-      i = sql.find('\n', i);
-      if (i == std::string_view::npos) return "";
-    } else if (sql.compare(i, 2, "/*") == 0) {
-      i = sql.find("*/", i + 2);
-      if (i == std::string_view::npos) return "";
-      i += 2;
-    } else {
-      break;
-    }
-  }
-  size_t end = i;
-  while (end < sql.size() && std::isalpha(static_cast<unsigned char>(sql[end])))
-    ++end;
-  return UpperCase(sql.substr(i, end - i));
-}
-
-bool ChangesSchema(std::string_view sql) {
-  const std::string keyword = FirstKeyword(sql);
-  return keyword == "CREATE" || keyword == "ALTER" || keyword == "DROP" || keyword == "RENAME";
-}
-
-// A table name as the caller wrote it: "table", "schema.table" or
-// "catalog.schema.table", parts plain or quoted with "", [] or ``.
-struct TableName {
-  std::string schema;
-  std::string table;
-  bool quoted = false;
-};
-
-TableName ParseTableName(std::string_view text) {
-  std::vector<std::string> parts(1);
-  bool quoted = false;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    const char close = c == '"' ? '"' : c == '[' ? ']' : c == '`' ? '`' : '\0';
-    if (close != '\0') {
-      quoted = true;
-      size_t end = text.find(close, i + 1);
-      if (end == std::string_view::npos) end = text.size();
-      parts.back() += text.substr(i + 1, end - i - 1);
-      i = end;
-    } else if (c == '.') {
-      parts.emplace_back();
-    } else if (!std::isspace(static_cast<unsigned char>(c))) {
-      parts.back() += c;
-    }
-  }
-  TableName name;
-  name.table = parts.back();
-  if (parts.size() >= 2) name.schema = parts[parts.size() - 2];
-  name.quoted = quoted;
-  return name;
-}
-
-// NarrowWholeExpressions: a big-integer column computed by the statement
-// (COUNT, SUM of integers: BIGINT on the servers) whose every value fits a
-// Long reads as Long, as the same column does on the embedded default and
-// the desktop database. Columns of a table keep their declared type.
-void NarrowWholeExpressions(RowSet& rows) {
-  const size_t width = rows.columns.size();
-  for (size_t c = 0; c < width; ++c) {
-    ColumnInfo& column = rows.columns[c];
-    if (column.type != adBigInt || !column.base_table.empty()) continue;
-    bool fits = true;
-    for (size_t i = c; fits && i < rows.cells.size(); i += width) {
-      const int64_t* value = rows.cells[i].Get<int64_t>();
-      fits = rows.cells[i].IsNull() ||
-             (value != nullptr && *value >= INT32_MIN && *value <= INT32_MAX);
-    }
-    if (!fits) continue;
-    column.type = adInteger;
-    column.defined_size = 4;
-    for (size_t i = c; i < rows.cells.size(); i += width) {
-      if (const int64_t* value = rows.cells[i].Get<int64_t>()) {
-        rows.cells[i] = Variant(static_cast<int32_t>(*value));
-      }
-    }
-  }
-}
+using internal::ChangesSchema;
+using internal::NarrowWholeExpressions;
+using internal::ParseTableName;
+using internal::TableName;
 
 class OdbcConnection final : public DriverConnection {
  public:
