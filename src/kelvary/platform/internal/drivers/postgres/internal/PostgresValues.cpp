@@ -192,6 +192,7 @@ std::optional<Currency> NumericCurrency(const Numeric& n) {
 Variant NumericValue(const ColumnType& column, const char* data, size_t length) {
   const std::optional<Numeric> n = ParseNumeric(data, length);
   if (!n) return Variant(std::string(data, length));
+  if (n->sign != 0 && n->sign != kNumericNegative) return Variant(NumericText(*n));
   if (column.currency) {
     if (const std::optional<Currency> value = NumericCurrency(*n)) return Variant(*value);
   }
@@ -200,7 +201,7 @@ Variant NumericValue(const ColumnType& column, const char* data, size_t length) 
   const char* begin = text.data();
   const auto [end, ec] = std::from_chars(begin, begin + text.size(), value);
   if (ec == std::errc() && end == begin + text.size()) return Variant(value);
-  return Variant(text);  // NaN and the infinities, as the server writes them
+  return Variant(text);
 }
 
 std::string UuidText(const char* data, size_t length) {
