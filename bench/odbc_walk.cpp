@@ -99,8 +99,8 @@ void BM_DriverRun(benchmark::State& state) {
     const size_t rows = r.rows.RowCount();
     for (size_t row = 0; row < rows; ++row) {
       totals.ids += *r.rows.Cell(row, 0).Get<int32_t>();
-      totals.text_bytes += static_cast<int64_t>(r.rows.Cell(row, 1).Get<std::string>()->size() +
-                                                r.rows.Cell(row, 2).Get<std::string>()->size());
+      totals.text_bytes += static_cast<int64_t>(r.rows.Cell(row, 1).Text().size() +
+                                                r.rows.Cell(row, 2).Text().size());
       totals.years += kelvary::Year(*r.rows.Cell(row, 3).Get<kelvary::Date>());
       totals.balance += *r.rows.Cell(row, 4).Get<double>();
       const kelvary::Variant& visits = r.rows.Cell(row, 5);
@@ -128,8 +128,8 @@ void BM_Recordset(benchmark::State& state) {
     rs->Open(kSelect, connection, kelvary::adOpenStatic, kelvary::adLockReadOnly);
     while (!rs->Eof()) {
       totals.ids += *rs->Fields(0).Value().Get<int32_t>();
-      totals.text_bytes += static_cast<int64_t>(rs->Fields(1).Value().Get<std::string>()->size() +
-                                                rs->Fields(2).Value().Get<std::string>()->size());
+      totals.text_bytes += static_cast<int64_t>(rs->Fields(1).Value().Text().size() +
+                                                rs->Fields(2).Value().Text().size());
       totals.years += kelvary::Year(*rs->Fields(3).Value().Get<kelvary::Date>());
       totals.balance += *rs->Fields(4).Value().Get<double>();
       const kelvary::Variant& visits = rs->Fields(5).Value();
@@ -294,8 +294,7 @@ void BM_LibpqVariants(benchmark::State& state) {
     for (size_t row = 0; row < static_cast<size_t>(rows); ++row) {
       const kelvary::Variant* cell = &cells[row * 6];
       totals.ids += *cell[0].Get<int32_t>();
-      totals.text_bytes += static_cast<int64_t>(cell[1].Get<std::string>()->size() +
-                                                cell[2].Get<std::string>()->size());
+      totals.text_bytes += static_cast<int64_t>(cell[1].Text().size() + cell[2].Text().size());
       totals.years += kelvary::Year(*cell[3].Get<kelvary::Date>());
       totals.balance += *cell[4].Get<double>();
       if (cell[5].IsNull()) {

@@ -44,6 +44,37 @@ TEST(Variant, ObjectsAreSharedNotCopied) {
   EXPECT_EQ(ErrorNumberOf([&] { CStr(v); }), kErrTypeMismatch);
 }
 
+// Texts of every length (held in the value itself up to a few bytes,
+// beyond that in a block copies share) keep their characters through copy,
+// move and assignment, and compare by content whatever their length.
+TEST(Variant, TextsKeepTheirValueThroughCopyMoveAndAssignment) {
+  for (const std::string& text :
+       {std::string(), std::string("a"), std::string(14, 'x'), std::string(15, 'y'),
+        std::string("with\0nul", 8), std::string(300, 'z')}) {
+    SCOPED_TRACE(text.size());
+    Variant v(text);
+    EXPECT_TRUE(v.IsString());
+    EXPECT_EQ(v.Type(), vbString);
+    Variant copy = v;
+    Variant moved = std::move(copy);
+    Variant assigned = Variant(int32_t{1});
+    assigned = moved;
+    assigned = assigned;      // self-assignment keeps the text
+    v = Variant(int32_t{2});  // the first holder lets go; the others keep it
+    EXPECT_EQ(moved.Text(), text);
+    EXPECT_EQ(assigned.Text(), text);
+    EXPECT_EQ(CStr(assigned), text);
+    EXPECT_EQ(assigned, Variant(std::string_view(text)));
+    EXPECT_NE(assigned, Variant(text + "!"));
+  }
+  // Equality is strict about the kind: the text "1" is not the number 1.
+  EXPECT_NE(Variant("1"), Variant(int32_t{1}));
+  EXPECT_NE(Variant(int16_t{1}), Variant(int32_t{1}));
+  EXPECT_EQ(Variant(Date(2.5)), Variant(Date(2.5)));
+  EXPECT_EQ(Variant(int32_t{3}).Get<double>(), nullptr);
+  EXPECT_EQ(Variant(int32_t{3}).Text(), "");
+}
+
 TEST(Variant, ToTextWritesTheRuntimeForms) {
   // Doubles keep fifteen significant digits: 0.1 + 0.2 reads "0.3".
   EXPECT_EQ(Each({true, false, -42, 2.5, 0.1 + 0.2, 100.0, 1e15, 1.5e-7, 0.000001, 0.1f},

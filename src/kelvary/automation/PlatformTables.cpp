@@ -41,7 +41,7 @@ std::shared_ptr<RecordsetField> FieldNamed(const std::shared_ptr<Recordset>& rs,
 std::shared_ptr<Connection> ConnectionArg(const Variant& given) {
   if (given.IsString()) {
     auto connection = std::make_shared<Connection>();
-    connection->Open(*given.Get<std::string>());
+    connection->Open(std::string(given.Text()));
     return connection;
   }
   if (given.IsEmpty()) return nullptr;
@@ -240,7 +240,7 @@ const MemberTable& ClassTraits<RecordsetFields>::Table() {
         "Item",
         +[](C& f, const Variant& Index) {
           const Variant index = ValueOf(Index);
-          if (index.IsString()) return FieldNamed(f.recordset, *index.Get<std::string>());
+          if (index.IsString()) return FieldNamed(f.recordset, index.Text());
           return FieldAt(f.recordset, CLng(index));
         },
         {"Index"}, kDispIdValue);

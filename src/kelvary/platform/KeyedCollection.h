@@ -77,7 +77,7 @@ class KeyedCollection {
   const Member& Item(const std::string& key) const { return Item(std::string_view(key)); }
   // By a variant: a number is a position, text is a key.
   const Member& Item(const Variant& index) const {
-    if (index.IsString()) return Item(std::string_view(*index.Get<std::string>()));
+    if (index.IsString()) return Item(index.Text());
     if (index.IsObject() || index.IsEmpty() || index.IsNull()) {
       throw Error(kErrTypeMismatch, "Type mismatch");
     }
@@ -117,7 +117,7 @@ class KeyedCollection {
   void Remove(const char* key) { Remove(std::string_view(key)); }
   void Remove(const std::string& key) { Remove(std::string_view(key)); }
   void Remove(const Variant& index) {
-    if (index.IsString()) return Remove(std::string_view(*index.Get<std::string>()));
+    if (index.IsString()) return Remove(index.Text());
     if (index.IsObject() || index.IsEmpty() || index.IsNull()) {
       throw Error(kErrTypeMismatch, "Type mismatch");
     }

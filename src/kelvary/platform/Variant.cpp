@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <ostream>
 
@@ -141,7 +142,7 @@ double NumericValue(const Variant& v) {
     case vbDate:
       return v.Get<Date>()->Serial();
     case vbString: {
-      const std::string& s = *v.Get<std::string>();
+      const std::string_view s = v.Text();
       if (auto n = ParseNumber(s)) return *n;
       ThrowTypeMismatch();
     }
@@ -159,8 +160,8 @@ Int ToInteger(const Variant& v) {
     }
     return static_cast<Int>(*i);
   }
-  if (const auto* s = v.Get<std::string>()) {  // whole-number text too: 2^63 - 1 is exact
-    if (const auto i = ParseWholeNumber(*s)) {
+  if (v.IsString()) {  // whole-number text too: 2^63 - 1 is exact
+    if (const auto i = ParseWholeNumber(v.Text())) {
       if (*i < std::numeric_limits<Int>::min() || *i > std::numeric_limits<Int>::max()) {
         ThrowOverflow();
       }
@@ -198,11 +199,74 @@ Currency Currency::FromDouble(double value) {
   return Currency{static_cast<int64_t>(scaled)};
 }
 
-VariantType Variant::Type() const {
-  static constexpr VariantType kTypes[] = {vbEmpty,    vbNull,     vbBoolean, vbInteger,
-                                           vbLong,     vbLongLong, vbSingle,  vbDouble,
-                                           vbCurrency, vbDate,     vbString,  vbObject};
-  return kTypes[value_.index()];
+// The held object, in a counted block so that the Variant stays sixteen
+// bytes (an object reference is two pointers).
+struct Variant::ObjectBox : SharedBlock {
+  std::shared_ptr<Object> object;
+};
+
+Variant::Variant(std::shared_ptr<Object> value) : Variant(kObject) {
+  auto* box = new ObjectBox;
+  box->object = std::move(value);
+  rep_.wide.value.shared = box;
+}
+
+void Variant::SetText(std::string_view text) {
+  if (text.size() <= kShortTextMax) {
+    new (&rep_.small) Small;
+    rep_.small.kind = kShortText;
+    rep_.small.size = static_cast<uint8_t>(text.size());
+    if (!text.empty()) std::memcpy(rep_.small.chars, text.data(), text.size());
+    return;
+  }
+  void* memory = ::operator new(sizeof(TextBlock) + text.size());
+  auto* block = new (memory) TextBlock;
+  block->size = text.size();
+  std::memcpy(reinterpret_cast<char*>(block + 1), text.data(), text.size());
+  rep_.wide.kind = kLongText;
+  rep_.wide.value.shared = block;
+}
+
+void Variant::ReleaseShared() noexcept {
+  SharedBlock* shared = rep_.wide.value.shared;
+  if (shared->refs.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+  if (Kind() == kObject) {
+    delete static_cast<ObjectBox*>(shared);
+  } else {
+    auto* block = static_cast<TextBlock*>(shared);
+    block->~TextBlock();
+    ::operator delete(block);
+  }
+}
+
+bool operator==(const Variant& a, const Variant& b) noexcept {
+  using Held = Variant::Held;
+  if (a.IsString() || b.IsString()) return a.IsString() && b.IsString() && a.Text() == b.Text();
+  if (a.Kind() != b.Kind()) return false;
+  const Variant::Payload& x = a.rep_.wide.value;
+  const Variant::Payload& y = b.rep_.wide.value;
+  switch (a.Kind()) {
+    case Held::kBool:
+      return x.b == y.b;
+    case Held::kInteger:
+      return x.i16 == y.i16;
+    case Held::kLong:
+      return x.i32 == y.i32;
+    case Held::kLongLong:
+      return x.i64 == y.i64;
+    case Held::kSingle:
+      return x.f == y.f;
+    case Held::kDouble:
+      return x.d == y.d;
+    case Held::kCurrency:
+      return x.currency == y.currency;
+    case Held::kDate:
+      return x.date == y.date;
+    case Held::kObject:
+      return a.ObjectValue() == b.ObjectValue();
+    default:  // Empty, Null
+      return true;
+  }
 }
 
 bool Variant::IsNumber() const {
@@ -220,8 +284,8 @@ bool Variant::IsNumber() const {
 }
 
 std::shared_ptr<Object> Variant::ObjectValue() const {
-  if (const auto* o = std::get_if<std::shared_ptr<Object>>(&value_)) return *o;
-  return nullptr;
+  if (Kind() != kObject) return nullptr;
+  return static_cast<const ObjectBox*>(rep_.wide.value.shared)->object;
 }
 
 double RoundHalfEven(double value) {
@@ -313,7 +377,7 @@ std::string CStr(const Variant& v) {
     case vbDate:
       return DateText(*v.Get<Date>());
     case vbString:
-      return *v.Get<std::string>();
+      return std::string(v.Text());
     case vbObject:
     default:
       ThrowTypeMismatch();
@@ -342,8 +406,8 @@ float CSng(const Variant& v) {
 
 Currency CCur(const Variant& v) {
   if (const auto* c = v.Get<Currency>()) return *c;
-  if (const auto* s = v.Get<std::string>()) {
-    if (const auto c = ParseCurrency(*s)) return *c;
+  if (v.IsString()) {
+    if (const auto c = ParseCurrency(v.Text())) return *c;
   }
   return Currency::FromDouble(CDbl(v));
 }
@@ -351,7 +415,7 @@ Currency CCur(const Variant& v) {
 bool CBool(const Variant& v) {
   if (const auto* b = v.Get<bool>()) return *b;
   if (v.IsString()) {
-    const std::string_view s = TrimSpace(*v.Get<std::string>());
+    const std::string_view s = TrimSpace(v.Text());
     if (EqualsNoCase(s, "True")) return true;
     if (EqualsNoCase(s, "False")) return false;
     if (auto n = ParseNumber(s)) return *n != 0;
@@ -365,7 +429,7 @@ Date CDate(const Variant& v) {
     case vbDate:
       return *v.Get<Date>();
     case vbString: {
-      const std::string& s = *v.Get<std::string>();
+      const std::string_view s = v.Text();
       if (auto d = ParseDate(s)) return *d;
       if (auto n = ParseNumber(s)) return DateOfSerial(*n);
       ThrowTypeMismatch();
@@ -382,7 +446,7 @@ std::string TextOf(const Variant& v) {
 
 bool IsDate(const Variant& v) {
   if (v.Type() == vbDate) return true;
-  if (v.IsString()) return ParseDate(*v.Get<std::string>()).has_value();
+  if (v.IsString()) return ParseDate(v.Text()).has_value();
   return false;
 }
 
@@ -392,7 +456,7 @@ bool IsNumeric(const Variant& v) {
     case vbBoolean:
       return true;
     case vbString:
-      return ParseNumber(*v.Get<std::string>()).has_value();
+      return ParseNumber(v.Text()).has_value();
     default:
       return v.IsNumber();
   }
@@ -414,23 +478,21 @@ int CompareValues(const Variant& a, const Variant& b) {
   std::optional<double> na = numeric(a);
   std::optional<double> nb = numeric(b);
   // Text meets a number by the number it reads as, and a date by the date.
-  auto text_value = [](const std::string& text, bool as_date) -> std::optional<double> {
+  auto text_value = [](std::string_view text, bool as_date) -> std::optional<double> {
     if (!as_date) return ParseNumber(text);
     if (auto d = ParseDate(text)) return d->Serial();
     return std::nullopt;
   };
-  if (na && !nb && b.IsString()) nb = text_value(*b.Get<std::string>(), a.Type() == vbDate);
-  if (nb && !na && a.IsString()) na = text_value(*a.Get<std::string>(), b.Type() == vbDate);
+  if (na && !nb && b.IsString()) nb = text_value(b.Text(), a.Type() == vbDate);
+  if (nb && !na && a.IsString()) na = text_value(a.Text(), b.Type() == vbDate);
   if (na && nb) return *na < *nb ? -1 : (*na > *nb ? 1 : 0);
   if (a.IsObject() || b.IsObject()) ThrowTypeMismatch();
   // Texts are compared in place, folded as ASCII as the databases' own
   // case-blind comparisons are (and without a locale look-up per
   // character: criteria compare row by row).
   std::string a_text, b_text;
-  const std::string_view ta =
-      a.IsString() ? std::string_view(*a.Get<std::string>()) : std::string_view(a_text = CStr(a));
-  const std::string_view tb =
-      b.IsString() ? std::string_view(*b.Get<std::string>()) : std::string_view(b_text = CStr(b));
+  const std::string_view ta = a.IsString() ? a.Text() : std::string_view(a_text = CStr(a));
+  const std::string_view tb = b.IsString() ? b.Text() : std::string_view(b_text = CStr(b));
   auto fold = [](char c) {
     const auto u = static_cast<unsigned char>(c);
     return (u >= 'A' && u <= 'Z') ? u + ('a' - 'A') : static_cast<int>(u);
@@ -453,7 +515,7 @@ std::ostream& operator<<(std::ostream& os, const Variant& v) {
     case vbObject:
       return os << "Object(" << v.ObjectValue().get() << ")";
     case vbString:
-      return os << "String(\"" << *v.Get<std::string>() << "\")";
+      return os << "String(\"" << v.Text() << "\")";
     default:
       return os << "Variant(type " << v.Type() << ": " << CStr(v) << ")";
   }

@@ -12,14 +12,15 @@
 // A Variant is a value type; an Object kind shares its object.
 #pragma once
 
+#include <atomic>
 #include <compare>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <variant>
 
 #include "kelvary/platform/Date.h"
 
@@ -64,42 +65,93 @@ class Variant {
     friend bool operator==(NullTag, NullTag) = default;
   };
 
-  Variant() = default;  // Empty
-  Variant(bool value) : value_(value) {}
-  Variant(int16_t value) : value_(value) {}
-  Variant(int32_t value) : value_(value) {}
-  Variant(int64_t value) : value_(value) {}
-  Variant(float value) : value_(value) {}
-  Variant(double value) : value_(value) {}
-  Variant(Currency value) : value_(value) {}
-  Variant(Date value) : value_(value) {}
-  Variant(std::string value) : value_(std::move(value)) {}
-  Variant(std::string_view value) : value_(std::string(value)) {}
-  Variant(const char* value) : value_(std::string(value)) {}
-  Variant(std::shared_ptr<Object> value) : value_(std::move(value)) {}
+  Variant() noexcept = default;  // Empty
+  Variant(bool value) noexcept : Variant(kBool) { rep_.wide.value.b = value; }
+  Variant(int16_t value) noexcept : Variant(kInteger) { rep_.wide.value.i16 = value; }
+  Variant(int32_t value) noexcept : Variant(kLong) { rep_.wide.value.i32 = value; }
+  Variant(int64_t value) noexcept : Variant(kLongLong) { rep_.wide.value.i64 = value; }
+  Variant(float value) noexcept : Variant(kSingle) { rep_.wide.value.f = value; }
+  Variant(double value) noexcept : Variant(kDouble) { rep_.wide.value.d = value; }
+  Variant(Currency value) noexcept : Variant(kCurrency) {
+    new (&rep_.wide.value.currency) Currency(value);
+  }
+  Variant(Date value) noexcept : Variant(kDate) { new (&rep_.wide.value.date) Date(value); }
+  Variant(std::string_view value) { SetText(value); }
+  Variant(const std::string& value) { SetText(value); }
+  Variant(const char* value) { SetText(value); }
+  Variant(std::shared_ptr<Object> value);
   template <class T>
   requires(std::is_base_of_v<Object, T> && !std::is_same_v<T, Object>)
       Variant(std::shared_ptr<T> value)
-      : value_(std::shared_ptr<Object>(std::move(value))) {}
+      : Variant(std::shared_ptr<Object>(std::move(value))) {}
 
-  static Variant Null() {
-    Variant v;
-    v.value_ = NullTag{};
-    return v;
+  Variant(const Variant& other) noexcept : rep_(other.rep_) { Retain(); }
+  Variant(Variant&& other) noexcept : rep_(other.rep_) { other.rep_.wide.kind = kEmpty; }
+  Variant& operator=(const Variant& other) noexcept {
+    other.Retain();
+    Release();
+    rep_ = other.rep_;
+    return *this;
   }
+  Variant& operator=(Variant&& other) noexcept {
+    if (this != &other) {
+      Release();
+      rep_ = other.rep_;
+      other.rep_.wide.kind = kEmpty;
+    }
+    return *this;
+  }
+  ~Variant() { Release(); }
 
-  VariantType Type() const;
-  bool IsEmpty() const { return value_.index() == 0; }
-  bool IsNull() const { return std::holds_alternative<NullTag>(value_); }
-  bool IsObject() const { return std::holds_alternative<std::shared_ptr<Object>>(value_); }
-  bool IsString() const { return std::holds_alternative<std::string>(value_); }
+  static Variant Null() noexcept { return Variant(kNull); }
+
+  VariantType Type() const noexcept {
+    static constexpr VariantType kTypes[] = {vbEmpty,    vbNull,   vbBoolean, vbInteger,  vbLong,
+                                             vbLongLong, vbSingle, vbDouble,  vbCurrency, vbDate,
+                                             vbString,   vbString, vbObject};
+    return kTypes[Kind()];
+  }
+  bool IsEmpty() const noexcept { return Kind() == kEmpty; }
+  bool IsNull() const noexcept { return Kind() == kNull; }
+  bool IsObject() const noexcept { return Kind() == kObject; }
+  bool IsString() const noexcept { return Kind() == kShortText || Kind() == kLongText; }
   // IsNumber: Integer, Long, LongLong, Single, Double or Currency.
   bool IsNumber() const;
 
-  // Raw access to the held value; nullptr when the kind differs.
+  // Raw access to a held number, boolean or date; nullptr when the kind
+  // differs. Texts are read with Text(), objects with ObjectValue().
   template <class T>
-  const T* Get() const {
-    return std::get_if<T>(&value_);
+  const T* Get() const noexcept {
+    if constexpr (std::is_same_v<T, bool>) {
+      return Kind() == kBool ? &rep_.wide.value.b : nullptr;
+    } else if constexpr (std::is_same_v<T, int16_t>) {
+      return Kind() == kInteger ? &rep_.wide.value.i16 : nullptr;
+    } else if constexpr (std::is_same_v<T, int32_t>) {
+      return Kind() == kLong ? &rep_.wide.value.i32 : nullptr;
+    } else if constexpr (std::is_same_v<T, int64_t>) {
+      return Kind() == kLongLong ? &rep_.wide.value.i64 : nullptr;
+    } else if constexpr (std::is_same_v<T, float>) {
+      return Kind() == kSingle ? &rep_.wide.value.f : nullptr;
+    } else if constexpr (std::is_same_v<T, double>) {
+      return Kind() == kDouble ? &rep_.wide.value.d : nullptr;
+    } else if constexpr (std::is_same_v<T, Currency>) {
+      return Kind() == kCurrency ? &rep_.wide.value.currency : nullptr;
+    } else if constexpr (std::is_same_v<T, Date>) {
+      return Kind() == kDate ? &rep_.wide.value.date : nullptr;
+    } else {
+      static_assert(kNotAKind<T>, "Get: texts are read with Text(), objects with ObjectValue()");
+      return nullptr;
+    }
+  }
+  // Text: the held text, valid while this Variant holds it unchanged; empty
+  // when the value is not a string.
+  std::string_view Text() const noexcept {
+    if (Kind() == kShortText) return {rep_.small.chars, rep_.small.size};
+    if (Kind() == kLongText) {
+      const auto* block = static_cast<const TextBlock*>(rep_.wide.value.shared);
+      return {reinterpret_cast<const char*>(block + 1), block->size};
+    }
+    return {};
   }
   // The held object (nullptr when not an object or an empty reference).
   std::shared_ptr<Object> ObjectValue() const;
@@ -111,13 +163,82 @@ class Variant {
   // Strict equality: same kind and same value (Empty equals Empty, Null
   // equals Null, objects by identity). For comparisons by value across
   // kinds use CompareValues.
-  friend bool operator==(const Variant& a, const Variant& b) { return a.value_ == b.value_; }
+  friend bool operator==(const Variant& a, const Variant& b) noexcept;
 
  private:
-  std::variant<std::monostate, NullTag, bool, int16_t, int32_t, int64_t, float, double, Currency,
-               Date, std::string, std::shared_ptr<Object>>
-      value_;
+  // The representation: sixteen bytes, a kind and an eight-byte value.
+  // Texts up to kShortTextMax bytes sit in the Variant itself; longer texts
+  // and objects in a counted block that copies share (texts never change
+  // in place, so sharing is invisible).
+  enum Held : uint8_t {
+    kEmpty,
+    kNull,
+    kBool,
+    kInteger,
+    kLong,
+    kLongLong,
+    kSingle,
+    kDouble,
+    kCurrency,
+    kDate,
+    kShortText,
+    kLongText,  // kLongText and kObject, the counted kinds, come last
+    kObject,
+  };
+  static constexpr size_t kShortTextMax = 14;
+  template <class>
+  static constexpr bool kNotAKind = false;
+
+  struct SharedBlock {
+    std::atomic<uint32_t> refs{1};
+  };
+  struct ObjectBox;  // the held object's reference
+  struct TextBlock : SharedBlock {
+    size_t size = 0;  // the characters follow the block
+  };
+  union Payload {
+    Payload() noexcept : i64(0) {}
+    bool b;
+    int16_t i16;
+    int32_t i32;
+    int64_t i64;
+    float f;
+    double d;
+    Currency currency;
+    Date date;
+    SharedBlock* shared;
+  };
+  // Wide and Small begin alike with the kind, which either reads.
+  struct Wide {
+    Held kind;
+    Payload value;
+  };
+  struct Small {
+    Held kind;
+    uint8_t size;
+    char chars[kShortTextMax];
+  };
+  union Rep {
+    Rep() noexcept : wide() { wide.kind = kEmpty; }
+    Wide wide;
+    Small small;
+  };
+
+  explicit Variant(Held kind) noexcept { rep_.wide.kind = kind; }
+  Held Kind() const noexcept { return rep_.wide.kind; }
+  void SetText(std::string_view text);
+  void Retain() const noexcept {
+    if (Kind() >= kLongText) rep_.wide.value.shared->refs.fetch_add(1, std::memory_order_relaxed);
+  }
+  void Release() noexcept {
+    if (Kind() >= kLongText) ReleaseShared();
+  }
+  void ReleaseShared() noexcept;
+
+  Rep rep_;
 };
+
+static_assert(sizeof(Variant) == 16, "a Variant is a kind and an eight-byte value");
 
 // Conversions. Each throws Error 94 for Null, 13 for a value it cannot read
 // and 6 for one that does not fit; Empty converts to 0, "", False or the

@@ -171,7 +171,7 @@ void ToVariant(const Variant& value, VARIANT* out) {
       return;
     case vbString:
       V_VT(out) = VT_BSTR;
-      V_BSTR(out) = NewBstr(*value.Get<std::string>());
+      V_BSTR(out) = NewBstr(value.Text());
       return;
     case vbObject:
       break;

@@ -365,10 +365,8 @@ class CriteriaParser {
     }
     if (node.op == Criteria::Op::kLike && node.right.column < 0 && !right_null) {
       // The pattern is checked once here; a pattern in a column is read per row.
-      const std::string* pattern = node.right.literal.Get<std::string>();
-      if (!pattern) node.right.literal = Variant(CStr(node.right.literal));
-      pattern = node.right.literal.Get<std::string>();
-      if (!ReadLikePattern(*pattern)) {
+      if (!node.right.literal.IsString()) node.right.literal = Variant(CStr(node.right.literal));
+      if (!ReadLikePattern(node.right.literal.Text())) {
         Fail("LIKE takes a * or % only at the end of the pattern or at both ends");
       }
     }
@@ -478,12 +476,12 @@ bool Criteria::Compare(const Comparison& node, const Variant* row) {
   const Variant& b = node.right.column >= 0 ? row[node.right.column] : node.right.literal;
   if (IsNothing(a) || IsNothing(b)) return false;
   if (node.op == Op::kLike) {
-    const std::string* pattern = b.Get<std::string>();
-    const std::string* text = a.Get<std::string>();
-    const std::string pattern_text = pattern ? std::string() : CStr(b);
-    const std::optional<LikeShape> shape = ReadLikePattern(pattern ? *pattern : pattern_text);
+    const std::string pattern_text = b.IsString() ? std::string() : CStr(b);
+    const std::optional<LikeShape> shape =
+        ReadLikePattern(b.IsString() ? b.Text() : std::string_view(pattern_text));
     if (!shape) return false;
-    return LikeMatchesShape(*shape, text ? std::string_view(*text) : std::string_view(CStr(a)));
+    const std::string text = a.IsString() ? std::string() : CStr(a);
+    return LikeMatchesShape(*shape, a.IsString() ? a.Text() : std::string_view(text));
   }
   const int order = CompareValues(a, b);
   switch (node.op) {

@@ -76,7 +76,7 @@ std::optional<NumberKey> NumberOf(const Variant& v, Domain domain) {
     case vbDate:
       return MakeNumberKey(v.Get<Date>()->Serial());
     case vbString: {
-      const std::string& text = *v.Get<std::string>();
+      const std::string_view text = v.Text();
       if (domain == Domain::kDate) {
         if (auto d = ParseDate(text)) return MakeNumberKey(d->Serial());
       }
@@ -112,7 +112,7 @@ bool AppendKey(const Variant& v, Domain domain, std::string& key) {
     }
   }
   std::string converted;
-  const std::string& text = v.IsString() ? *v.Get<std::string>() : (converted = CStr(v));
+  const std::string_view text = v.IsString() ? v.Text() : std::string_view(converted = CStr(v));
   const auto length = static_cast<uint32_t>(text.size());
   char bytes[4];
   std::memcpy(bytes, &length, sizeof bytes);

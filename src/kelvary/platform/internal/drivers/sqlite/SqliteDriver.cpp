@@ -206,11 +206,11 @@ bool SettleDates(RowSet& rows, size_t c) {
   const size_t width = rows.columns.size();
   for (size_t i = c; i < rows.cells.size(); i += width) {
     const Variant& cell = rows.cells[i];
-    if (cell.Type() == vbString && !IsoDateValue(*cell.Get<std::string>())) return false;
+    if (cell.Type() == vbString && !IsoDateValue(cell.Text())) return false;
   }
   for (size_t i = c; i < rows.cells.size(); i += width) {
     Variant& cell = rows.cells[i];
-    if (cell.Type() == vbString) cell = Variant(*IsoDateValue(*cell.Get<std::string>()));
+    if (cell.Type() == vbString) cell = Variant(*IsoDateValue(cell.Text()));
   }
   return true;
 }
@@ -566,7 +566,7 @@ class SqliteConnection final : public DriverConnection {
           break;
         }
         case vbString: {
-          const std::string& text = *v.Get<std::string>();
+          const std::string_view text = v.Text();
           rc = sqlite3_bind_text(stmt, n, text.data(), static_cast<int>(text.size()),
                                  SQLITE_STATIC);  // params outlive the statement's run
           break;

@@ -143,7 +143,7 @@ void ParameterBinder::Bind(SQLHSTMT stmt, SQLUSMALLINT number, const Variant& pa
       break;
     }
     case vbString: {
-      slot.wide = Widen(*param.Get<std::string>());
+      slot.wide = Widen(param.Text());
       c_type = SQL_C_WCHAR;
       const size_t units = slot.wide.size();
       sql_type = units > 4000 ? SQL_WLONGVARCHAR : SQL_WVARCHAR;
