@@ -409,7 +409,7 @@ bool WriteParameter(const Variant& value, Parameter& out) {
       AppendBigEndian(ServerMicros(*value.Get<Date>()), out.bytes);
       return true;
     case vbString:
-      out.bytes = *value.Get<std::string>();
+      out.bytes = value.Text();
       return true;
     default:
       return false;
