@@ -18,5 +18,5 @@ for arch in "${archs[@]}"; do
     -DSQLite3_INCLUDE_DIR="$out/sqlite/$arch" -DSQLite3_LIBRARY="$out/sqlite/$arch/libsqlite3.a" \
     "${launcher[@]}" >/dev/null
   cmake --build "$out/$arch" -j "${KELVARY_JOBS:-$(nproc 2>/dev/null || echo 2)}" \
-    --target kelvary_com kelvary_event_client
+    --target kelvary_com kelvary_event_client kelvary_early_client
 done

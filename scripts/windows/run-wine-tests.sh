@@ -6,6 +6,8 @@
 #   - regsvr32 registers it per machine;
 #   - the VBScript host (tests/wine/host.vbs) runs in cscript;
 #   - the C++ client subscribes an event sink (tests/wine/EventClient.cpp);
+#   - the C++ client bound early calls the interfaces' vtables
+#     (tests/wine/EarlyClient.cpp);
 #   - regsvr32 /u removes it again;
 #   - regsvr32 /n /i:user registers it per user (DllInstall) and removes it.
 # Each test prints "N passed, M failed" last; a missing line is a failure
@@ -34,7 +36,8 @@ fail() {
 
 work=$(mktemp -d)
 cp "$build/src/kelvary/automation/com/kelvary.dll" "$work/" || { fail "no kelvary.dll in $build"; exit 1; }
-cp "$build/tests/wine/kelvary_event_client.exe" "$work/" || fail "no test client in $build"
+cp "$build/tests/wine/kelvary_event_client.exe" "$build/tests/wine/kelvary_early_client.exe" "$work/" ||
+  fail "no test clients in $build"
 cp "$root/tests/wine/host.vbs" "$work/"
 winpath() { "$wine" winepath -w "$1" 2>/dev/null | tr -d '\r'; }
 dll=$(winpath "$work/kelvary.dll")
@@ -67,6 +70,9 @@ run_hosts() {  # run_hosts LABEL
   fresh_demo
   (cd "$work" && timeout 300 "$wine" kelvary_event_client.exe "$main" "$system") > "$work/client.log" 2>&1
   summary "C++ event client, $1" "$work/client.log"
+  fresh_demo
+  (cd "$work" && timeout 300 "$wine" kelvary_early_client.exe "$main" "$system") > "$work/early.log" 2>&1
+  summary "C++ early-bound client, $1" "$work/early.log"
 }
 
 progid_registered() {  # progid_registered HIVE

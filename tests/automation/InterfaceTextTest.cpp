@@ -1,9 +1,13 @@
-// The checked-in interface definition is the one the member tables give.
+// The checked-in interface definition, and the vtable side of its dual
+// interfaces, are the ones the member tables give.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kelvary/automation/Classes.h"
 #include "kelvary/automation/InterfaceText.h"
@@ -11,19 +15,67 @@
 namespace kelvary::automation {
 namespace {
 
-std::string CheckedInCopy() {
-  std::ifstream in(KELVARY_SOURCE_DIR "/src/kelvary/automation/Kelvary.idl", std::ios::binary);
+std::string CheckedInCopy(const std::string& path) {
+  std::ifstream in(KELVARY_SOURCE_DIR "/src/kelvary/automation/" + path, std::ios::binary);
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
 }
 
-TEST(InterfaceText, TheCheckedInCopyIsWhatTheTablesGive) {
-  const std::string generated = InterfaceDefinition();
-  EXPECT_TRUE(generated == CheckedInCopy())
-      << "src/kelvary/automation/Kelvary.idl differs from the member tables; regenerate it with\n"
-         "  cmake --build build --target update-idl\n"
-         "and commit the result.";
+TEST(InterfaceText, TheCheckedInCopiesAreWhatTheTablesGive) {
+  const std::pair<std::string, std::string> copies[] = {
+      {"Kelvary.idl", InterfaceDefinition()}, {"com/DualInterfaces.cpp", DualInterfaceStubs()}};
+  for (const auto& [path, generated] : copies) {
+    EXPECT_TRUE(generated == CheckedInCopy(path))
+        << "src/kelvary/automation/" << path
+        << " differs from the member tables; regenerate it with\n"
+           "  cmake --build build --target update-idl\n"
+           "and commit the result.";
+  }
+}
+
+// Each vtable entry forwards to its own member: the entry the definition
+// declares for a member's kind calls that member's dispatch ID, with the
+// member's parameters, in the definition's order.
+TEST(InterfaceText, EveryVtableEntryCallsItsMemberByDispatchId) {
+  const std::string stubs = DualInterfaceStubs();
+  size_t last = 0;
+  for (const MemberTable* t : AllTables()) {
+    SCOPED_TRACE(t->ClassName());
+    const size_t start = stubs.find("public DualFace<" + t->InterfaceName() + ">");
+    ASSERT_NE(start, std::string::npos);
+    EXPECT_GT(start, last) << "interfaces in the definition's order";
+    last = start;
+    size_t at = start;
+    for (const MemberInfo& m : t->Members()) {
+      std::vector<std::pair<std::string, std::string>> entries;
+      if (m.Answers(kInvokeMethod)) {
+        entries.emplace_back(m.name, "Method");
+      } else {
+        if (m.Answers(kInvokePropertyGet)) entries.emplace_back("get_" + m.name, "Get");
+        if (m.Answers(kInvokePropertyPut)) entries.emplace_back("put_" + m.name, "Put");
+        if (m.Answers(kInvokePropertyPutRef)) entries.emplace_back("putref_" + m.name, "PutRef");
+      }
+      for (const auto& [entry, call] : entries) {
+        const size_t found = stubs.find(" " + entry + "(", at);
+        ASSERT_NE(found, std::string::npos) << entry;
+        const size_t end = stubs.find('\n', found);
+        const std::string line = stubs.substr(found, end - found);
+        EXPECT_NE(line.find("return " + call + "(" + std::to_string(m.id) + ", "),
+                  std::string::npos)
+            << line;
+        // One argument per parameter, plus the new value of a let or set.
+        size_t passed = 0;
+        for (const char* kind : {"In<", "Ref<", "OptionalRef("}) {
+          for (size_t p = line.find(kind); p != std::string::npos; p = line.find(kind, p + 1))
+            ++passed;
+        }
+        const size_t expected = m.params.size() + (call == "Put" || call == "PutRef" ? 1 : 0);
+        EXPECT_EQ(passed, expected) << line;
+        at = found;
+      }
+    }
+  }
 }
 
 TEST(InterfaceText, EveryClassMemberAndEventIsDeclared) {

@@ -2,6 +2,8 @@
 
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kelvary/automation/Classes.h"
 #include "kelvary/automation/MemberTable.h"
@@ -139,7 +141,143 @@ void WriteClass(std::ostream& os, const MemberTable& t) {
   os << "  };\n\n";
 }
 
+// The vtable side. The stubs name their parameters by position (a1, a2,
+// ..., r for the result): a parameter's own name may be a macro of the
+// platform's headers.
+
+// CxxType: the parameter's type as the type library compiler's header
+// spells it.
+std::string CxxType(const TypeRef& type) {
+  switch (type.kind) {
+    case ValueKind::kInteger:
+      return "short";
+    case ValueKind::kLong:
+      return "LONG";
+    case ValueKind::kCurrency:
+      return "CY";
+    case ValueKind::kVoid:
+      break;
+    default:
+      return TypeName(type);
+  }
+  return "VARIANT";
+}
+
+// VarType: the tag of the parameter's value in a VARIANT.
+std::string VarType(const TypeRef& type) {
+  switch (type.kind) {
+    case ValueKind::kBoolean:
+      return "VT_BOOL";
+    case ValueKind::kInteger:
+      return "VT_I2";
+    case ValueKind::kLong:
+      return "VT_I4";
+    case ValueKind::kSingle:
+      return "VT_R4";
+    case ValueKind::kDouble:
+      return "VT_R8";
+    case ValueKind::kCurrency:
+      return "VT_CY";
+    case ValueKind::kDate:
+      return "VT_DATE";
+    case ValueKind::kString:
+      return "VT_BSTR";
+    case ValueKind::kObject:
+      return "VT_DISPATCH";
+    case ValueKind::kEnumerator:
+      return "VT_UNKNOWN";
+    case ValueKind::kVariant:
+    case ValueKind::kVoid:
+      break;
+  }
+  return "VT_VARIANT";
+}
+
+// StubParam: the declaration of parameter k and the argument it becomes.
+std::pair<std::string, std::string> StubParam(const ParamInfo& p, size_t k) {
+  const std::string name = "a" + std::to_string(k + 1);
+  if (p.optional && p.by_ref) return {"VARIANT* " + name, "OptionalRef(" + name + ")"};
+  if (p.optional) return {"VARIANT " + name, "In<VT_VARIANT>(" + name + ")"};
+  if (p.by_ref)
+    return {CxxType(p.type) + "* " + name, "Ref<" + VarType(p.type) + ">(" + name + ")"};
+  return {CxxType(p.type) + " " + name, "In<" + VarType(p.type) + ">(" + name + ")"};
+}
+
+// StubResult: where a read's value goes.
+std::string StubResult(const TypeRef& type) {
+  if (type.kind == ValueKind::kObject && !type.name.empty()) return "OutObject(r)";
+  return "Out<" + VarType(type) + ">(r)";
+}
+
+void WriteStub(std::ostream& os, const std::string& name, const std::string& call, DispId id,
+               const std::vector<ParamInfo>& params, const TypeRef* result, const TypeRef* value) {
+  std::string decl;
+  std::string args;
+  for (size_t k = 0; k < params.size(); ++k) {
+    const auto [d, a] = StubParam(params[k], k);
+    decl += (decl.empty() ? "" : ", ") + d;
+    args += (args.empty() ? "" : ", ") + a;
+  }
+  std::string out = "Result{}";
+  if (result != nullptr) {
+    decl += (decl.empty() ? "" : ", ") + CxxType(*result) + "* r";
+    out = StubResult(*result);
+  }
+  if (value != nullptr) {
+    decl += (decl.empty() ? "" : ", ") + CxxType(*value) + " v";
+    args += (args.empty() ? "" : ", ") + std::string("In<") + VarType(*value) + ">(v)";
+  }
+  os << "  HRESULT STDMETHODCALLTYPE " << name << "(" << decl << ") override { return " << call
+     << "(" << id << ", " << out << ", {" << args << "}); }\n";
+}
+
+void WriteStubs(std::ostream& os, const MemberTable& t) {
+  const std::string face = "Dual" + t.InterfaceName();
+  os << "class " << face << " final : public DualFace<" << t.InterfaceName() << "> {\n"
+     << " public:\n"
+     << "  using DualFace::DualFace;\n";
+  for (const MemberInfo& m : t.Members()) {
+    const TypeRef* result = m.result.kind == ValueKind::kVoid ? nullptr : &m.result;
+    if (m.Answers(kInvokeMethod)) {
+      WriteStub(os, m.name, "Method", m.id, m.params, result, nullptr);
+      continue;
+    }
+    if (m.Answers(kInvokePropertyGet)) {
+      WriteStub(os, "get_" + m.name, "Get", m.id, m.params, result, nullptr);
+    }
+    if (m.Answers(kInvokePropertyPut)) {
+      WriteStub(os, "put_" + m.name, "Put", m.id, m.params, nullptr, &m.result);
+    }
+    if (m.Answers(kInvokePropertyPutRef)) {
+      WriteStub(os, "putref_" + m.name, "PutRef", m.id, m.params, nullptr, &m.result);
+    }
+  }
+  os << "};\n\n";
+}
+
 }  // namespace
+
+std::string DualInterfaceStubs() {
+  std::ostringstream os;
+  os << "// DualInterfaces.cpp: the vtable side of the library's dual interfaces.\n"
+     << "// Generated from the member tables by kelvary-idl; do not edit by hand.\n"
+     << "// clang-format off\n"
+     << "#include \"kelvary/automation/com/DualFace.h\"\n\n"
+     << "namespace kelvary::com {\n\n"
+     << "namespace {\n\n";
+  for (const MemberTable* t : AllTables())
+    WriteStubs(os, *t);
+  os << "}  // namespace\n\n"
+     << "DualBase* NewDualFace(REFIID iid, ComDispatch* owner) {\n";
+  for (const MemberTable* t : AllTables()) {
+    os << "  if (iid == __uuidof(" << t->InterfaceName() << ")) return new Dual"
+       << t->InterfaceName() << "(owner);\n";
+  }
+  os << "  return nullptr;\n"
+     << "}\n\n"
+     << "}  // namespace kelvary::com\n";
+  return os.str();
+}
 
 std::string InterfaceDefinition() {
   std::ostringstream os;

@@ -15,4 +15,13 @@ namespace kelvary::automation {
 // InterfaceDefinition: the whole definition text.
 std::string InterfaceDefinition();
 
+// DualInterfaceStubs: the vtable side of the same dual interfaces, as C++
+// for the component server: one class per interface whose entries, in the
+// order the definition declares them, forward to the member by its dispatch
+// ID, so that a host binding early gets what a late-bound call gets. It is
+// compiled against the header the type library compiler writes from the
+// definition, so an entry out of step with the definition does not build.
+// Checked in beside the definition, and tested the same way.
+std::string DualInterfaceStubs();
+
 }  // namespace kelvary::automation

@@ -4,11 +4,13 @@
 #include <olectl.h>
 
 #include <exception>
+#include <iterator>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
 
 #include "kelvary/automation/HostObjects.h"
+#include "kelvary/automation/com/DualFace.h"
 #include "kelvary/automation/internal/NativeDispatch.h"
 #include "kelvary/service/InfoLink.h"
 
@@ -212,13 +214,20 @@ class PointList final : public IEnumConnectionPoints {
 
 ComDispatch::ComDispatch(std::shared_ptr<automation::DispatchObject> object)
     : object_(std::move(object)), table_(object_->Table()) {
-  if (table_ != nullptr) GuidOf(table_->Guids().interface_id, &interface_id_);
+  if (table_ != nullptr && GuidOf(table_->Guids().interface_id, &interface_id_)) {
+    face_ = NewDualFace(interface_id_, this);
+  }
   ModuleAddRef();
 }
 
 ComDispatch::~ComDispatch() {
   delete events_;
+  delete face_;
   ModuleRelease();
+}
+
+IDispatch* ComDispatch::Primary() {
+  return face_ != nullptr ? face_->Face() : static_cast<IDispatch*>(this);
 }
 
 IDispatch* ComDispatch::Wrap(const std::shared_ptr<automation::DispatchObject>& object) {
@@ -228,11 +237,11 @@ IDispatch* ComDispatch::Wrap(const std::shared_ptr<automation::DispatchObject>& 
   const auto found = wrappers.find(object.get());
   if (found != wrappers.end()) {
     found->second->AddRef();
-    return found->second;
+    return found->second->Primary();
   }
   auto* wrapper = new ComDispatch(object);
   wrappers.emplace(object.get(), wrapper);
-  return wrapper;
+  return wrapper->Primary();
 }
 
 std::shared_ptr<automation::DispatchObject> ComDispatch::Unwrap(IUnknown* unknown) {
@@ -254,8 +263,11 @@ bool ComDispatch::HasEvents() const {
 HRESULT ComDispatch::QueryInterface(REFIID riid, void** out) {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
-  if (riid == IID_IUnknown || riid == IID_IDispatch || riid == kIidKelvaryWrapper) {
-    *out = static_cast<IDispatch*>(this);
+  if (riid == IID_IUnknown || riid == IID_IDispatch ||
+      (face_ != nullptr && riid == interface_id_)) {
+    *out = Primary();
+  } else if (riid == kIidKelvaryWrapper) {
+    *out = static_cast<IDispatch*>(this);  // Unwrap's way back to the wrapper
   } else if (riid == IID_IProvideClassInfo) {
     *out = static_cast<IProvideClassInfo*>(this);
   } else if (riid == IID_ISupportErrorInfo) {
@@ -345,6 +357,163 @@ HRESULT ComDispatch::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS
         return S_OK;
       },
       params->cArgs, info, arg_error);
+}
+
+namespace {
+
+// TakeResult moves a call's result into the entry's typed [out, retval]
+// slot, converted as a host's early-bound assignment converts it.
+HRESULT TakeResult(VARIANT& result, const Result& out) {
+  if (out.type == VT_VARIANT) {
+    *static_cast<VARIANT*>(out.where) = result;  // ownership moves
+    return S_OK;
+  }
+  if (out.type == VT_DISPATCH || out.type == VT_UNKNOWN) {
+    const VARTYPE type = V_VT(&result);
+    HRESULT hr = S_OK;
+    if (type == VT_DISPATCH || type == VT_UNKNOWN) {
+      IUnknown* object = V_UNKNOWN(&result);
+      if (object != nullptr) hr = object->QueryInterface(*out.iid, static_cast<void**>(out.where));
+    } else if (type != VT_EMPTY) {
+      hr = DISP_E_TYPEMISMATCH;
+    }
+    VariantClear(&result);
+    return FAILED(hr) ? DISP_E_TYPEMISMATCH : S_OK;
+  }
+  const HRESULT hr = VariantChangeType(&result, &result, 0, out.type);
+  if (FAILED(hr)) {
+    VariantClear(&result);
+    return hr;
+  }
+  switch (out.type) {
+    case VT_BOOL:
+      *static_cast<VARIANT_BOOL*>(out.where) = V_BOOL(&result);
+      break;
+    case VT_I2:
+      *static_cast<SHORT*>(out.where) = V_I2(&result);
+      break;
+    case VT_I4:
+      *static_cast<LONG*>(out.where) = V_I4(&result);
+      break;
+    case VT_R4:
+      *static_cast<FLOAT*>(out.where) = V_R4(&result);
+      break;
+    case VT_R8:
+      *static_cast<DOUBLE*>(out.where) = V_R8(&result);
+      break;
+    case VT_CY:
+      *static_cast<CY*>(out.where) = V_CY(&result);
+      break;
+    case VT_DATE:
+      *static_cast<DATE*>(out.where) = V_DATE(&result);
+      break;
+    case VT_BSTR:
+      *static_cast<BSTR*>(out.where) = V_BSTR(&result);  // ownership moves
+      return S_OK;
+    default:
+      VariantClear(&result);
+      return DISP_E_TYPEMISMATCH;
+  }
+  VariantClear(&result);
+  return S_OK;
+}
+
+// ClearResult: an [out] slot holds nothing until the call succeeds.
+void ClearResult(const Result& out) {
+  switch (out.type) {
+    case VT_VARIANT:
+      VariantInit(static_cast<VARIANT*>(out.where));
+      break;
+    case VT_BSTR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      *static_cast<void**>(out.where) = nullptr;
+      break;
+    case VT_BOOL:
+    case VT_I2:
+      *static_cast<SHORT*>(out.where) = 0;
+      break;
+    case VT_I4:
+      *static_cast<LONG*>(out.where) = 0;
+      break;
+    case VT_R4:
+      *static_cast<FLOAT*>(out.where) = 0;
+      break;
+    default:  // the 8-byte ones: a Double, a Date, a Currency
+      *static_cast<LONGLONG*>(out.where) = 0;
+      break;
+  }
+}
+
+// SetError leaves the failure's description in the thread's error object
+// (cleared when there is none, so that a host never reads an old one).
+void SetError(const IID& iid, BSTR source, BSTR description) {
+  ICreateErrorInfo* create = nullptr;
+  if (description == nullptr || FAILED(CreateErrorInfo(&create))) {
+    SetErrorInfo(0, nullptr);
+    return;
+  }
+  create->SetGUID(iid);
+  create->SetSource(source);
+  create->SetDescription(description);
+  IErrorInfo* error = nullptr;
+  if (SUCCEEDED(create->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&error)))) {
+    SetErrorInfo(0, error);
+    error->Release();
+  }
+  create->Release();
+}
+
+}  // namespace
+
+VARIANT OptionalRef(VARIANT* where) {
+  VARIANT v;
+  VariantInit(&v);
+  if (where == nullptr || (V_VT(where) == VT_ERROR && V_ERROR(where) == DISP_E_PARAMNOTFOUND)) {
+    V_VT(&v) = VT_ERROR;
+    V_ERROR(&v) = DISP_E_PARAMNOTFOUND;
+  } else {
+    V_VT(&v) = VT_VARIANT | VT_BYREF;
+    V_VARIANTREF(&v) = where;
+  }
+  return v;
+}
+
+HRESULT ComDispatch::CallEarly(DISPID id, WORD flags, std::initializer_list<VARIANT> args,
+                               const Result& out) {
+  if (out.type != VT_EMPTY) {
+    if (out.where == nullptr) return E_POINTER;
+    ClearResult(out);
+  }
+  // The runtime's argument list runs backwards: the last argument first.
+  VARIANT list[32];
+  const UINT count = static_cast<UINT>(args.size());
+  if (count > std::size(list)) return DISP_E_BADPARAMCOUNT;
+  UINT k = count;
+  for (const VARIANT& arg : args) {
+    if ((V_VT(&arg) & VT_BYREF) != 0 && V_BYREF(&arg) == nullptr) return E_POINTER;
+    list[--k] = arg;
+  }
+  DISPID named = DISPID_PROPERTYPUT;
+  const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+  DISPPARAMS params{list, put ? &named : nullptr, count, put ? 1u : 0u};
+  VARIANT result;
+  VariantInit(&result);
+  EXCEPINFO info{};
+  UINT arg_error = 0;
+  HRESULT hr = Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &params,
+                      out.type != VT_EMPTY ? &result : nullptr, &info, &arg_error);
+  if (SUCCEEDED(hr) && out.type != VT_EMPTY) hr = TakeResult(result, out);
+  if (hr == DISP_E_EXCEPTION) {
+    SetError(interface_id_, info.bstrSource, info.bstrDescription);
+    hr = info.scode != 0 ? info.scode : DISP_E_EXCEPTION;
+  } else if (FAILED(hr)) {
+    SetError(interface_id_, nullptr, nullptr);
+  }
+  SysFreeString(info.bstrSource);
+  SysFreeString(info.bstrDescription);
+  SysFreeString(info.bstrHelpFile);
+  return hr;
 }
 
 HRESULT ComDispatch::GetClassInfo(ITypeInfo** info) {

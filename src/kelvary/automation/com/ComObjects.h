@@ -8,6 +8,10 @@
 // the system's number and description. A class with events also answers as
 // a connection point container. There is one wrapper per library object
 // (Wrap), so a host comparing two references with `Is` sees the same object.
+// A class's dual interface is served by its generated face (DualFace.h): the
+// face's pointer is the one every host gets, for IUnknown, IDispatch and the
+// class's own interface alike, so that a host binding early can call the
+// interface's vtable on any reference it holds.
 //
 // HostObject: the other direction, a host's dispatch object (a list control,
 // a date control, an event sink, or anything else passed in) driven by
@@ -22,6 +26,7 @@
 #include <ocidl.h>
 
 #include <atomic>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,6 +46,14 @@ HMODULE ModuleHandle();
 ITypeLib* TypeLibrary();
 
 class EventPoint;
+class DualBase;
+class ComDispatch;
+struct Result;
+
+// NewDualFace: the vtable face of the interface iid for owner (generated with
+// the interfaces, DualInterfaces.cpp); nullptr for an interface it does not
+// know.
+DualBase* NewDualFace(REFIID iid, ComDispatch* owner);
 
 class ComDispatch final : public IDispatch,
                           public IProvideClassInfo,
@@ -74,18 +87,28 @@ class ComDispatch final : public IDispatch,
   HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** out) override;
   HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID riid, IConnectionPoint** out) override;
 
+  // CallEarly: an entry of the vtable face: the call Invoke makes, with the
+  // arguments in call order. A failure leaves its description in the
+  // thread's error object; the system's own errors come back as the HRESULT
+  // of their number.
+  HRESULT CallEarly(DISPID id, WORD flags, std::initializer_list<VARIANT> args, const Result& out);
+
   const std::shared_ptr<automation::DispatchObject>& Object() const { return object_; }
 
  private:
   explicit ComDispatch(std::shared_ptr<automation::DispatchObject> object);
   ~ComDispatch();
   bool HasEvents() const;
+  // Primary: the pointer hosts hold: the dual face, or this when the class
+  // has none.
+  IDispatch* Primary();
 
   std::atomic<ULONG> refs_{1};
   std::shared_ptr<automation::DispatchObject> object_;
   const automation::MemberTable* table_;
   IID interface_id_{};
   EventPoint* events_ = nullptr;  // made on first FindConnectionPoint
+  DualBase* face_ = nullptr;      // owned
 };
 
 class HostObject final : public automation::DispatchObject {
