@@ -247,8 +247,8 @@ void PostgresConnection::ReadRows(const PGresult* result, int32_t max_rows, RowS
         rows.cells.push_back(Variant::Null());
         continue;
       }
-      rows.cells.push_back(ReadValue(oids[c], types[c], PQgetvalue(result, r, c),
-                                     static_cast<size_t>(PQgetlength(result, r, c))));
+      AppendValue(oids[c], types[c], PQgetvalue(result, r, c),
+                  static_cast<size_t>(PQgetlength(result, r, c)), rows.cells);
     }
   }
 }

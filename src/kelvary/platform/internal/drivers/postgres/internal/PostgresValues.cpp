@@ -83,7 +83,7 @@ Variant DateValue(int32_t days) {
   if (days == std::numeric_limits<int32_t>::max()) return Variant(std::string("infinity"));
   if (days == std::numeric_limits<int32_t>::min()) return Variant(std::string("-infinity"));
   if (days < kFirstDay || days > kLastDay) return OutOfRange(days, 0, false);
-  return Variant(DateSerial(2000, 1, 1 + days));
+  return Variant(Date(static_cast<double>(days + kServerEpochSerial)));
 }
 
 Variant TimestampValue(int64_t micros) {
@@ -96,13 +96,19 @@ Variant TimestampValue(int64_t micros) {
     --days;
   }
   if (days < kFirstDay || days > kLastDay) return OutOfRange(days, rest, true);
-  const auto seconds = static_cast<int>(rest / 1000000);
-  Date value = DateTimeOf(2000, 1, 1 + static_cast<int>(days), 0, 0, seconds);
+  // The day's serial, its time of day as a fraction in the serial's own
+  // direction (before 1899-12-30 the serial is negative and the time still
+  // counts forward): whole seconds first, then microseconds, as DateTimeOf
+  // and the ODBC driver build it, so that both read the same double.
+  const int64_t day = days + kServerEpochSerial;
+  const double seconds = static_cast<double>(rest / 1000000) / 86400;
+  double serial =
+      day >= 0 ? static_cast<double>(day) + seconds : static_cast<double>(day) - seconds;
   if (const int64_t fraction_us = rest % 1000000; fraction_us != 0) {
     const double fraction = static_cast<double>(fraction_us) / 86400e6;
-    value = Date(value.Serial() >= 0 ? value.Serial() + fraction : value.Serial() - fraction);
+    serial = serial >= 0 ? serial + fraction : serial - fraction;
   }
-  return Variant(value);
+  return Variant(Date(serial));
 }
 
 // numeric's binary form: digit count, weight (of the first base-10000
@@ -359,6 +365,42 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
   }
   // Text, bytes, and the server's other types as it sent them.
   return Variant(std::string(data, length));
+}
+
+void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_t length,
+                 std::vector<Variant>& cells) {
+  // The usual types without the detour through a returned Variant.
+  switch (oid) {
+    case kOidInt4:
+      if (length == 4) {
+        cells.emplace_back(ReadBigEndian<int32_t>(data));
+        return;
+      }
+      break;
+    case kOidText:
+    case kOidVarchar:
+    case kOidBpchar:
+      cells.emplace_back(std::string(data, length));
+      return;
+    case kOidFloat8:
+      if (length == 8) {
+        cells.emplace_back(std::bit_cast<double>(ReadBigEndian<uint64_t>(data)));
+        return;
+      }
+      break;
+    case kOidDate:
+      if (length == 4) {
+        const int32_t days = ReadBigEndian<int32_t>(data);
+        if (days >= kFirstDay && days <= kLastDay) {
+          cells.emplace_back(Date(static_cast<double>(days + kServerEpochSerial)));
+          return;
+        }
+      }
+      break;
+    default:
+      break;
+  }
+  cells.push_back(ReadValue(oid, column, data, length));
 }
 
 bool WriteParameter(const Variant& value, Parameter& out) {

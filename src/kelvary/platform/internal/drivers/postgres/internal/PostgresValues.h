@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kelvary/platform/DataAccessTypes.h"
 #include "kelvary/platform/Variant.h"
@@ -70,6 +71,10 @@ ColumnType TypeOfColumn(uint32_t oid, int32_t modifier);
 
 // ReadValue: the Variant of one binary value of a column of type oid.
 Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size_t length);
+// AppendValue: the same, built in place at the end of cells (the walk of a
+// whole result goes through here, value by value).
+void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_t length,
+                 std::vector<Variant>& cells);
 
 // Parameter: one parameter as sent: its type OID (0: the server decides),
 // its bytes and whether they are binary.
