@@ -112,8 +112,7 @@ void EnsureTable() {
 template <class Cell>
 void Walk(const Cell& cell, Totals& totals) {
   totals.ids += *cell(0).template Get<int32_t>();
-  totals.text_bytes += static_cast<int64_t>(cell(1).template Get<std::string>()->size() +
-                                            cell(2).template Get<std::string>()->size());
+  totals.text_bytes += static_cast<int64_t>(cell(1).Text().size() + cell(2).Text().size());
   totals.years += kelvary::Year(*cell(3).template Get<kelvary::Date>());
   totals.balance += *cell(4).template Get<double>();
   const kelvary::Variant& visits = cell(5);

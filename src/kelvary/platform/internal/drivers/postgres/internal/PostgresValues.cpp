@@ -197,7 +197,7 @@ std::optional<Currency> NumericCurrency(const Numeric& n) {
 
 Variant NumericValue(const ColumnType& column, const char* data, size_t length) {
   const std::optional<Numeric> n = ParseNumeric(data, length);
-  if (!n) return Variant(std::string(data, length));
+  if (!n) return Variant(std::string_view(data, length));
   if (n->sign != 0 && n->sign != kNumericNegative) return Variant(NumericText(*n));
   if (column.currency) {
     if (const std::optional<Currency> value = NumericCurrency(*n)) return Variant(*value);
@@ -355,7 +355,7 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
       break;
     case kOidJsonb:
       // A version byte, then the text.
-      if (length >= 1) return Variant(std::string(data + 1, length - 1));
+      if (length >= 1) return Variant(std::string_view(data + 1, length - 1));
       break;
     case kOidUuid:
       if (fits(16)) return Variant(UuidText(data, length));
@@ -364,7 +364,7 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
       break;
   }
   // Text, bytes, and the server's other types as it sent them.
-  return Variant(std::string(data, length));
+  return Variant(std::string_view(data, length));
 }
 
 void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_t length,
@@ -380,7 +380,7 @@ void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_
     case kOidText:
     case kOidVarchar:
     case kOidBpchar:
-      cells.emplace_back(std::string(data, length));
+      cells.emplace_back(std::string_view(data, length));
       return;
     case kOidFloat8:
       if (length == 8) {
