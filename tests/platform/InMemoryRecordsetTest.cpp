@@ -2,6 +2,8 @@
 // hierarchical recordset on the cursor engine.
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 #include "RecordsetTestSupport.h"
 #include "kelvary/platform/internal/CursorEngine.h"
 
@@ -89,6 +91,32 @@ TEST(InMemoryRecordset, MemoryWriteModeChangesOnlyTheRowsHeld) {
   rs->Delete();
   EXPECT_EQ(rs->RecordCount(), 1);
   EXPECT_EQ(ErrorOf([&] { internal::LoadRecordset(*rs, RowSet(), {}); }).Number(), kErrObjectOpen);
+}
+
+// Names are found whatever their spelling, however many are asked for, and
+// a name asked for again after others (the walk by name) still finds its own
+// field: the names remembered between calls never answer for another.
+TEST(InMemoryRecordset, FieldsByNameFindTheirOwnFieldOnEveryCall) {
+  constexpr int32_t kWidth = 60;  // more names than are remembered between calls
+  RowSet rows;
+  for (int32_t c = 0; c < kWidth; ++c) {
+    rows.columns.emplace_back().name = "Column" + std::to_string(c);
+    rows.columns.back().type = adInteger;
+    rows.cells.emplace_back(c);
+  }
+  auto rs = std::make_shared<Recordset>();
+  internal::LoadRecordset(*rs, std::move(rows), internal::LoadOptions{"wide", nullptr});
+  for (int pass = 0; pass < 3; ++pass) {
+    for (int32_t c = 0; c < kWidth; ++c) {
+      const std::string name = "Column" + std::to_string(c);
+      std::string other_case = name;
+      for (char& ch : other_case)
+        ch = static_cast<char>(pass == 1 ? std::toupper(ch) : std::tolower(ch));
+      EXPECT_EQ(rs->Fields(name).Value(), Variant(c)) << name;
+      EXPECT_EQ(rs->Fields(other_case).Value(), Variant(c)) << other_case;
+    }
+  }
+  EXPECT_EQ(ErrorOf([&] { rs->Fields("Column60"); }).Number(), kErrItemNotFound);
 }
 
 }  // namespace

@@ -676,9 +676,14 @@ int32_t CursorEngine::LookUpOrdinal(std::string_view name) const {
                     std::string(name) + "\")",
                 kSource);
   }
-  AskedName& asked = asked_[AskedSlot(name)];
-  asked.name.assign(name);
-  asked.ordinal = it->second;
+  size_t slot = AskedSlot(name);
+  for (size_t probe = 0; probe < kAskedProbes; ++probe, slot = (slot + 1) % kAskedSlots) {
+    AskedName& asked = asked_[slot];
+    if (asked.ordinal >= 0) continue;
+    asked.name.assign(name);
+    asked.ordinal = it->second;
+    break;
+  }
   return it->second;
 }
 

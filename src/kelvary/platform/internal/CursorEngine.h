@@ -183,12 +183,16 @@ class CursorEngine {
   }
   // OrdinalOf: the ordinal of the field named name, without regard to case
   // (Error 3265 when there is none). A walk asks for the same few names on
-  // every row: the names last asked for are kept as spelled, so that asking
-  // again is one comparison.
+  // every row: the names asked for are kept as spelled in a small table, so
+  // that asking again is a hash of the name and one comparison.
   int32_t OrdinalOf(std::string_view name) const {
     if (!open_) ThrowClosed();
-    const AskedName& asked = asked_[AskedSlot(name)];
-    if (asked.ordinal >= 0 && std::string_view(asked.name) == name) return asked.ordinal;
+    size_t slot = AskedSlot(name);
+    for (size_t probe = 0; probe < kAskedProbes; ++probe, slot = (slot + 1) % kAskedSlots) {
+      const AskedName& asked = asked_[slot];
+      if (asked.ordinal < 0) break;
+      if (std::string_view(asked.name) == name) return asked.ordinal;
+    }
     return LookUpOrdinal(name);
   }
   bool HasField(std::string_view name) const;
@@ -226,12 +230,16 @@ class CursorEngine {
     std::string name;
     int32_t ordinal = -1;
   };
-  static constexpr size_t kAskedSlots = 16;
+  // Open addressing over a few slots: a name whose slot is taken goes to
+  // one of the next kAskedProbes; once those are full it is looked up in
+  // names_ every time (a walk asks for far fewer names than that).
+  static constexpr size_t kAskedSlots = 32;
+  static constexpr size_t kAskedProbes = 4;
   static size_t AskedSlot(std::string_view name) {
-    return name.empty() ? 0
-                        : (name.size() * 31 + static_cast<unsigned char>(name.front()) * 7 +
-                           static_cast<unsigned char>(name.back())) %
-                              kAskedSlots;
+    uint32_t hash = 2166136261u;  // FNV-1a: every character counts, names often share ends
+    for (char c : name)
+      hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+    return (hash ^ (hash >> 15)) % kAskedSlots;
   }
   int32_t LookUpOrdinal(std::string_view name) const;
 
