@@ -81,20 +81,23 @@ class ResetOnExit {
   sqlite3_stmt* stmt_;
 };
 
-inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int column,
-                        ValueKind kind) {
-  const int storage = sqlite3_column_type(stmt, column);
+// AppendValue reads one cell through the column's value object: each
+// sqlite3_column_* call looks the column up and checks the connection's
+// state again, three times for a text; the value calls do neither. (Its
+// value calls are safe here because a connection is used by one thread.)
+inline void AppendValue(std::vector<Variant>& cells, sqlite3_value* value, ValueKind kind) {
+  const int storage = sqlite3_value_type(value);
   if (storage == SQLITE_NULL) {
     cells.push_back(Variant::Null());
     return;
   }
   auto text = [&]() {
-    const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt, column));
-    return std::string_view(p, static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+    const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    return std::string_view(p, static_cast<size_t>(sqlite3_value_bytes(value)));
   };
   auto blob = [&]() {
-    const auto* p = static_cast<const char*>(sqlite3_column_blob(stmt, column));
-    return std::string_view(p ? p : "", static_cast<size_t>(sqlite3_column_bytes(stmt, column)));
+    const auto* p = static_cast<const char*>(sqlite3_value_blob(value));
+    return std::string_view(p ? p : "", static_cast<size_t>(sqlite3_value_bytes(value)));
   };
   auto whole = [&](int64_t v) {
     if (v >= INT32_MIN && v <= INT32_MAX) {
@@ -107,10 +110,10 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
   auto as_stored = [&]() {
     switch (storage) {
       case SQLITE_INTEGER:
-        whole(sqlite3_column_int64(stmt, column));
+        whole(sqlite3_value_int64(value));
         break;
       case SQLITE_FLOAT:
-        cells.emplace_back(sqlite3_column_double(stmt, column));
+        cells.emplace_back(sqlite3_value_double(value));
         break;
       case SQLITE_BLOB:
         cells.emplace_back(blob());
@@ -122,7 +125,7 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
   switch (kind) {
     case ValueKind::kInt16:
       if (storage == SQLITE_INTEGER) {
-        const int64_t v = sqlite3_column_int64(stmt, column);
+        const int64_t v = sqlite3_value_int64(value);
         if (v >= INT16_MIN && v <= INT16_MAX) {
           cells.emplace_back(static_cast<int16_t>(v));
           return;
@@ -131,13 +134,13 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
       return as_stored();
     case ValueKind::kInt64:
       if (storage == SQLITE_INTEGER) {
-        cells.emplace_back(static_cast<int64_t>(sqlite3_column_int64(stmt, column)));
+        cells.emplace_back(static_cast<int64_t>(sqlite3_value_int64(value)));
         return;
       }
       return as_stored();
     case ValueKind::kDouble:
       if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
-        cells.emplace_back(sqlite3_column_double(stmt, column));
+        cells.emplace_back(sqlite3_value_double(value));
         return;
       }
       return as_stored();
@@ -146,13 +149,13 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
       // stored rather than wrapped round or failing the whole statement.
       if (storage == SQLITE_INTEGER) {
         constexpr int64_t kLargest = INT64_MAX / 10000;
-        const int64_t v = sqlite3_column_int64(stmt, column);
+        const int64_t v = sqlite3_value_int64(value);
         if (v >= -kLargest && v <= kLargest) {
           cells.emplace_back(Currency{v * 10000});
           return;
         }
       } else if (storage == SQLITE_FLOAT) {
-        const double v = sqlite3_column_double(stmt, column);
+        const double v = sqlite3_value_double(value);
         if (v > -922337203685477.0 && v < 922337203685477.0) {
           cells.emplace_back(Currency::FromDouble(v));
           return;
@@ -161,7 +164,7 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
       return as_stored();
     case ValueKind::kBoolean:
       if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
-        cells.emplace_back(sqlite3_column_double(stmt, column) != 0.0);
+        cells.emplace_back(sqlite3_value_double(value) != 0.0);
         return;
       }
       if (storage == SQLITE_TEXT) {
@@ -179,7 +182,7 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_stmt* stmt, int col
           return;
         }
       } else if (storage == SQLITE_INTEGER || storage == SQLITE_FLOAT) {
-        const double serial = sqlite3_column_double(stmt, column);
+        const double serial = sqlite3_value_double(value);
         if (serial > -657435.0 && serial < 2958466.0) {  // the years 100 to 9999
           cells.emplace_back(Date(serial));
           return;
@@ -322,7 +325,7 @@ class SqliteConnection final : public DriverConnection {
     int64_t count = 0;
     while (rc == SQLITE_ROW) {
       for (int c = 0; c < width; ++c)
-        AppendValue(rows.cells, stmt, c, kinds[static_cast<size_t>(c)]);
+        AppendValue(rows.cells, sqlite3_column_value(stmt, c), kinds[static_cast<size_t>(c)]);
       if (max_rows > 0 && ++count >= max_rows) break;
       rc = sqlite3_step(stmt);
     }
