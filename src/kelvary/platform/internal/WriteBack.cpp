@@ -176,8 +176,12 @@ class Writer final : public RowWriter {
   // Statement: text made once per shape and kept.
   template <class Make>
   const Located& Statement(std::string shape, Make&& make) {
+    if (last_statement_ != nullptr && last_statement_->first == shape) {
+      return last_statement_->second;  // a run of edits to the same fields
+    }
     auto it = statements_.find(shape);
     if (it == statements_.end()) it = statements_.emplace(std::move(shape), make()).first;
+    last_statement_ = &*it;
     return it->second;
   }
 
@@ -195,8 +199,15 @@ class Writer final : public RowWriter {
 
   void WriteUpdate(const RowChange& change) {
     DriverConnection& driver = Driver();
-    std::vector<Variant> params;
-    params.reserve(base_columns_.size() * 2);  // the values written, then those that locate
+    // The values written, then those that locate; the vector's room is
+    // reused from one update to the next, its values let go on the way out.
+    struct Cleared {
+      std::vector<Variant>& values;
+      ~Cleared() { values.clear(); }
+    } cleared{update_params_};
+    std::vector<Variant>& params = update_params_;
+    params.clear();
+    params.reserve(base_columns_.size() * 2);
     for (int32_t c : base_columns_) {
       if (change.changed[static_cast<size_t>(c)]) params.push_back(change.values[c]);
     }
@@ -390,6 +401,8 @@ class Writer final : public RowWriter {
   std::vector<int32_t> key_ordinals_;          // ordinal per key column, -1 when not fetched
   bool key_fetched_ = false;                   // every key column is among the fields
   std::map<std::string, Located> statements_;  // by Shape
+  const std::pair<const std::string, Located>* last_statement_ = nullptr;
+  std::vector<Variant> update_params_;  // kept between updates for its room
 };
 
 }  // namespace

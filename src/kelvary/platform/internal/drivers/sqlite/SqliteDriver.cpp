@@ -419,6 +419,7 @@ class SqliteConnection final : public DriverConnection {
       sqlite3_finalize(prepared.stmt);
     cache_.clear();
     lru_.clear();
+    last_ = nullptr;
     sqlite3_close_v2(db_);
     db_ = nullptr;
   }
@@ -459,8 +460,12 @@ class SqliteConnection final : public DriverConnection {
   // Prepare: the prepared statement for sql, from the cache when it is
   // there; failures name shown, the statement as the caller wrote it.
   Prepared& Prepare(const std::string& sql, const std::string& shown) {
+    // A run of one statement (write-back's edits, a look-up in a loop) is
+    // found without hashing its text; it is already the most recent.
+    if (last_ != nullptr && last_->first == sql) return last_->second;
     if (auto it = cache_.find(sql); it != cache_.end()) {
       lru_.splice(lru_.begin(), lru_, it->second.lru);
+      last_ = &*it;
       return it->second;
     }
     const std::string text = RewriteDialect(sql);
@@ -481,16 +486,19 @@ class SqliteConnection final : public DriverConnection {
           .WithStatement(shown);
     }
     if (cache_.size() >= kCachedStatements) {
+      last_ = nullptr;
       auto oldest = cache_.find(lru_.back());
       sqlite3_finalize(oldest->second.stmt);
       cache_.erase(oldest);
       lru_.pop_back();
     }
     lru_.push_front(sql);
-    Prepared& prepared = cache_[sql];
+    auto& entry = *cache_.try_emplace(sql).first;
+    Prepared& prepared = entry.second;
     prepared.stmt = stmt;
     prepared.lru = lru_.begin();
     Describe(prepared);
+    last_ = &entry;
     return prepared;
   }
 
@@ -586,6 +594,7 @@ class SqliteConnection final : public DriverConnection {
   std::string path_;
   std::unordered_map<std::string, Prepared> cache_;
   std::list<std::string> lru_;                                      // most recently used first
+  std::pair<const std::string, Prepared>* last_ = nullptr;          // the last one Prepare gave
   std::unordered_map<std::string, std::vector<std::string>> keys_;  // KeyColumns, per table
 };
 
