@@ -91,6 +91,22 @@ inline void AppendValue(std::vector<Variant>& cells, sqlite3_value* value, Value
     cells.push_back(Variant::Null());
     return;
   }
+  // The usual cells first, each stored as its column says: a whole number
+  // in an integer column, a text in a text column.
+  if (storage == SQLITE_INTEGER && (kind == ValueKind::kInt32 || kind == ValueKind::kDynamic)) {
+    const int64_t v = sqlite3_value_int64(value);
+    if (v >= INT32_MIN && v <= INT32_MAX) {
+      cells.emplace_back(static_cast<int32_t>(v));
+    } else {
+      cells.emplace_back(v);
+    }
+    return;
+  }
+  if (storage == SQLITE_TEXT && kind == ValueKind::kText) {
+    const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    cells.emplace_back(std::string_view(p, static_cast<size_t>(sqlite3_value_bytes(value))));
+    return;
+  }
   auto text = [&]() {
     const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(value));
     return std::string_view(p, static_cast<size_t>(sqlite3_value_bytes(value)));
