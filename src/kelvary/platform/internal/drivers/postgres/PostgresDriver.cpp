@@ -119,6 +119,9 @@ class PostgresConnection final : public DriverConnection {
   Result Execute(const std::string& sql, const std::vector<Variant>& params);
   Result Send(const std::string& sent, const std::vector<Variant>& params,
               const std::string& statement);
+  // SendGuarded: Send under a savepoint of the statement's own.
+  Result SendGuarded(const std::string& sent, const std::vector<Variant>& params,
+                     const std::string& statement);
   // Internal: a statement of the driver's own, in the server's words.
   Result Internal(const std::string& sql, const std::vector<Variant>& params = {});
   void ReadRows(const PGresult* result, int32_t max_rows, RowSet& rows);
@@ -130,26 +133,41 @@ class PostgresConnection final : public DriverConnection {
   std::unordered_map<std::string, std::vector<std::string>> keys_;  // by the name as given
 };
 
-Result PostgresConnection::Send(const std::string& sent, const std::vector<Variant>& params,
-                                const std::string& statement) {
-  std::vector<Parameter> encoded(params.size());
-  std::vector<Oid> types(params.size());
-  std::vector<const char*> values(params.size());
-  std::vector<int> lengths(params.size());
-  std::vector<int> formats(params.size());
+// Encoded: parameters in the arrays libpq takes.
+struct Encoded {
+  std::vector<Parameter> parameters;
+  std::vector<Oid> types;
+  std::vector<const char*> values;
+  std::vector<int> lengths;
+  std::vector<int> formats;
+
+  int Count() const { return static_cast<int>(parameters.size()); }
+};
+
+Encoded Encode(const std::vector<Variant>& params, const std::string& statement) {
+  Encoded e;
+  e.parameters.resize(params.size());
   for (size_t i = 0; i < params.size(); ++i) {
-    if (!WriteParameter(params[i], encoded[i])) {
+    if (!WriteParameter(params[i], e.parameters[i])) {
       throw Error(kErrTypeMismatch,
                   "Parameter " + std::to_string(i + 1) + " is an object, not a value", kSource)
           .WithStatement(statement);
     }
-    types[i] = encoded[i].oid;
-    values[i] = encoded[i].null ? nullptr : encoded[i].bytes.data();
-    lengths[i] = static_cast<int>(encoded[i].bytes.size());
-    formats[i] = encoded[i].binary ? 1 : 0;
   }
-  Result result(PQexecParams(Conn(), sent.c_str(), static_cast<int>(params.size()), types.data(),
-                             values.data(), lengths.data(), formats.data(), 1));
+  for (const Parameter& parameter : e.parameters) {
+    e.types.push_back(parameter.oid);
+    e.values.push_back(parameter.null ? nullptr : parameter.bytes.data());
+    e.lengths.push_back(static_cast<int>(parameter.bytes.size()));
+    e.formats.push_back(parameter.binary ? 1 : 0);
+  }
+  return e;
+}
+
+Result PostgresConnection::Send(const std::string& sent, const std::vector<Variant>& params,
+                                const std::string& statement) {
+  const Encoded e = Encode(params, statement);
+  Result result(PQexecParams(Conn(), sent.c_str(), e.Count(), e.types.data(), e.values.data(),
+                             e.lengths.data(), e.formats.data(), 1));
   if (result.Get() == nullptr || result.Failed()) {
     throw ServerError(result.Get(), conn_, statement, sent);
   }
@@ -160,29 +178,68 @@ Result PostgresConnection::Internal(const std::string& sql, const std::vector<Va
   return Send(sql, params, sql);
 }
 
-Result PostgresConnection::Execute(const std::string& sql, const std::vector<Variant>& params) {
-  std::string sent = TranslateForPostgres(sql);
-  if (!params.empty()) sent = NumberParameters(sent);
-  if (!in_transaction_) return Send(sent, params, sql);
-  // Inside a transaction a refused statement is undone alone: the server
-  // would otherwise refuse everything after it until the rollback.
-  Result mark(PQexec(Conn(), "SAVEPOINT kelvary_statement"));
-  if (mark.Get() == nullptr || mark.Failed()) throw ServerError(mark.Get(), conn_, sql, "");
-  try {
-    Result result = Send(sent, params, sql);
-    Result release(PQexec(conn_, "RELEASE SAVEPOINT kelvary_statement"));
-    if (release.Get() == nullptr || release.Failed()) {
-      throw ServerError(release.Get(), conn_, sql, "");
+Result PostgresConnection::SendGuarded(const std::string& sent, const std::vector<Variant>& params,
+                                       const std::string& statement) {
+  const Encoded e = Encode(params, statement);
+  PGconn* conn = Conn();
+  // The savepoint, the statement and the release go in one exchange with
+  // the server: a statement in a transaction costs one round trip, as
+  // outside one.
+  if (PQenterPipelineMode(conn) != 1) throw ServerError(nullptr, conn, statement, sent);
+  const bool queued =
+      PQsendQueryParams(conn, "SAVEPOINT kelvary_statement", 0, nullptr, nullptr, nullptr, nullptr,
+                        0) == 1 &&
+      PQsendQueryParams(conn, sent.c_str(), e.Count(), e.types.data(), e.values.data(),
+                        e.lengths.data(), e.formats.data(), 1) == 1 &&
+      PQsendQueryParams(conn, "RELEASE SAVEPOINT kelvary_statement", 0, nullptr, nullptr, nullptr,
+                        nullptr, 0) == 1 &&
+      PQpipelineSync(conn) == 1;
+  // Each step's result, then a null; the sync's result ends the exchange.
+  // Two nulls in a row mean nothing more is coming (a broken connection).
+  Result steps[3];
+  size_t step = 0;
+  bool after_null = false;
+  while (queued) {
+    PGresult* r = PQgetResult(conn);
+    if (r == nullptr) {
+      if (after_null || PQstatus(conn) != CONNECTION_OK) break;
+      after_null = true;
+      ++step;
+      continue;
     }
-    return result;
-  } catch (const Error&) {
-    if (PQstatus(conn_) == CONNECTION_OK) {
-      Result undo(PQexec(conn_,
+    after_null = false;
+    if (PQresultStatus(r) == PGRES_PIPELINE_SYNC) {
+      PQclear(r);
+      break;
+    }
+    if (step < 3 && steps[step].Get() == nullptr) {
+      steps[step] = Result(r);
+    } else {
+      PQclear(r);
+    }
+  }
+  PQexitPipelineMode(conn);
+  const auto failed = [](const Result& r) { return r.Get() == nullptr || r.Failed(); };
+  if (failed(steps[0])) throw ServerError(steps[0].Get(), conn, statement, "");
+  if (failed(steps[1])) {
+    if (PQstatus(conn) == CONNECTION_OK) {
+      Result undo(PQexec(conn,
                          "ROLLBACK TO SAVEPOINT kelvary_statement; "
                          "RELEASE SAVEPOINT kelvary_statement"));
     }
-    throw;
+    throw ServerError(steps[1].Get(), conn, statement, sent);
   }
+  if (failed(steps[2])) throw ServerError(steps[2].Get(), conn, statement, "");
+  return std::move(steps[1]);
+}
+
+Result PostgresConnection::Execute(const std::string& sql, const std::vector<Variant>& params) {
+  std::string sent = TranslateForPostgres(sql);
+  if (!params.empty()) sent = NumberParameters(sent);
+  // Inside a transaction a refused statement is undone alone: the server
+  // would otherwise refuse everything after it until the rollback.
+  if (in_transaction_) return SendGuarded(sent, params, sql);
+  return Send(sent, params, sql);
 }
 
 StatementResult PostgresConnection::Run(const std::string& sql, const std::vector<Variant>& params,
