@@ -20,7 +20,8 @@
 # (the ones behind the data sources <dsn>_1 and <dsn>_2 of the pool), then
 # prints with `kelvary query` every stored query, alone and with each of its
 # templates, in each of the three dialect settings, from the SQLite demo and
-# from each server; the rows must be the same, in any order and with the
+# from each server (PostgreSQL twice: through ODBC by data-source name, and
+# through the PostgreSQL driver by the databases' postgresql:// URIs); the rows must be the same, in any order and with the
 # header in lower case (PostgreSQL folds names, and a server returns rows
 # without ORDER BY in an order of its own).
 set -euo pipefail
@@ -69,10 +70,27 @@ runs() {
   done
 }
 
+# pg_uri: the test server's control database as a postgresql:// URI; its
+# pool databases are the same with _<n> appended.
+pg_uri() {
+  local word host="" port="" user="" password=""
+  for word in $KELVARY_TEST_PG_CONNINFO; do
+    case $word in
+      host=*) host=${word#host=} ;;
+      port=*) port=${word#port=} ;;
+      user=*) user=${word#user=} ;;
+      password=*) password=${word#password=} ;;
+    esac
+  done
+  echo "postgresql://$user:$password@$host:$port/kelvary_test"
+}
+
 compare() {
   local demo_dir run on_sqlite on_server server system main failed=0 runs_file
-  local -A matching=([PostgreSQL]=0 [MariaDB]=0)
-  local -A sources=([PostgreSQL]="${KELVARY_TEST_ODBC_DSN}" [MariaDB]="${KELVARY_TEST_MARIADB_DSN}")
+  local servers=(PostgreSQL PostgreSQL_libpq MariaDB)
+  local -A matching=([PostgreSQL]=0 [PostgreSQL_libpq]=0 [MariaDB]=0)
+  local -A sources=([PostgreSQL]="${KELVARY_TEST_ODBC_DSN}" [PostgreSQL_libpq]="$(pg_uri)"
+                    [MariaDB]="${KELVARY_TEST_MARIADB_DSN}")
   load_demo
   demo_dir=$(mktemp -d)
   "$kelvary" demo "$demo_dir" >/dev/null
@@ -97,7 +115,7 @@ compare() {
       failed=1
       continue
     fi
-    for server in PostgreSQL MariaDB; do
+    for server in "${servers[@]}"; do
       system="${sources[$server]}_1"
       main="${sources[$server]}_2"
       # shellcheck disable=SC2086
@@ -114,7 +132,7 @@ compare() {
   local total
   total=$(grep -c . "$runs_file")
   rm -rf "$demo_dir" "$runs_file"
-  for server in PostgreSQL MariaDB; do
+  for server in "${servers[@]}"; do
     echo "kelvary query on $server: ${matching[$server]} of $total runs print SQLite's rows"
   done
   return "$failed"
