@@ -337,13 +337,18 @@ void BM_MemoryHeld(benchmark::State& state) {
 BENCHMARK(BM_MemoryHeld)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // Keeps each benchmark's CPU time per iteration for the ratios printed at
-// the end (CPU, not wall time: the machines these run on are shared).
+// the end (CPU, not wall time: the machines these run on are shared). With
+// --benchmark_repetitions the median of the repetitions is taken.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration) times[run.benchmark_name()] = run.GetAdjustedCPUTime();
+      if (run.run_type == Run::RT_Iteration && !times.count(run.run_name.str())) {
+        times[run.run_name.str()] = run.GetAdjustedCPUTime();
+      } else if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+        times[run.run_name.str()] = run.GetAdjustedCPUTime();
+      }
     }
   }
   std::map<std::string, double> times;
