@@ -57,6 +57,9 @@ TEST(PostgresChoice, EveryFormOfTheStringChoosesTheServersOwnClient) {
     EXPECT_EQ(choice.postgres_uri, c.uri) << c.given;
   }
   EXPECT_FALSE(internal::IsSqliteFileName("postgresql://db/practice"));
+  Connection by_uri;
+  by_uri.ConnectionString("postgresql://db/practice");
+  EXPECT_EQ(by_uri.Provider(), "PostgreSQL");
   EXPECT_EQ(internal::ChooseDriver("Provider=MSDataShape;Data Source=postgresql://db/p;"
                                    "User ID=me;Password=pw")
                 .user,

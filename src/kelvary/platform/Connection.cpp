@@ -123,9 +123,14 @@ std::string Connection::Provider() const {
   if (!named.empty()) return named;
   if (connection_string_.empty()) return "MSDASQL";
   try {
-    return internal::ChooseDriver(connection_string_).kind == internal::DriverChoice::kSqlite
-               ? "SQLite"
-               : "MSDASQL";
+    switch (internal::ChooseDriver(connection_string_).kind) {
+      case internal::DriverChoice::kSqlite:
+        return "SQLite";
+      case internal::DriverChoice::kPostgres:
+        return "PostgreSQL";
+      default:
+        return "MSDASQL";
+    }
   } catch (const Error&) {
     return "MSDASQL";
   }

@@ -22,6 +22,10 @@
 //   that a refused statement is undone alone and the transaction goes on, as
 //   it does on the other engines.
 // - SetBusyTimeout sets lock_timeout (0: wait as long as it takes).
+// - Run's max_rows keeps the first rows of the result; the server still
+//   sends the rest (a statement that wants few rows says so in its SQL).
+// - A statement is one statement: the server refuses several in one text
+//   with parameters or results in binary (the script runner splits them).
 //
 // A connection is used by one thread at a time.
 #pragma once
