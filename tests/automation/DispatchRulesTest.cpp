@@ -82,7 +82,7 @@ TEST(DispatchRules, EveryMemberAnswersToItsNameInAnyCaseAndToItsId) {
     EXPECT_EQ(table->Find(4000), nullptr);
   }
   // Every class a host reaches, with its events in dispatch order.
-  EXPECT_EQ(AllTables().size(), 23u);
+  EXPECT_EQ(AllTables().size(), 25u);
   const MemberTable* link = FindTable("Kelvary.InfoLink");
   ASSERT_NE(link, nullptr);
   const std::vector<std::string> events = {"CheckAllowRecordDelete",
@@ -524,6 +524,37 @@ TEST(DispatchRules, EveryCollectionEnumeratesItsMembersInOrder) {
     EXPECT_EQ(CLng(Get(*collection, "Count")), 0);
     EXPECT_EQ(collection->GetIdOfName("item"), kDispIdValue);
   }
+}
+
+TEST(DispatchRules, AConnectionsErrorsAreThoseOfItsLastFailedOperation) {
+  testing::TestDatabase db;
+  db.Run("CREATE TABLE t (ID INTEGER PRIMARY KEY)");
+  Obj connection = Create("Kelvary.Connection");
+  Call(*connection, "Open", {db.ConnectionString()});
+  Obj errors = ObjectOf(Get(*connection, "Errors"));
+  EXPECT_EQ(CLng(Get(*errors, "Count")), 0);
+
+  const Failure failed =
+      FailureOf([&] { Call(*connection, "Execute", {"SELECT * FROM nowhere"}); });
+  ASSERT_GE(CLng(Get(*errors, "Count")), 1) << "the collection reads the connection as it is now";
+  Obj first = ObjectOf(Get(*errors, "Item", {0}));
+  EXPECT_EQ(CLng(Get(*first, "Number")), failed.number);
+  EXPECT_NE(Get(*first, "Description"), Variant(""));
+  EXPECT_EQ(ValueOf(Variant(first)), Get(*first, "Description")) << "the default member";
+  // One wrapper per error; the enumeration gives the ones Item gives.
+  EXPECT_EQ(AsDispatch(Get(*errors, "Item", {0})), first);
+  EXPECT_EQ(AsDispatch(Get(*connection, "Errors")), errors);
+  Args none;
+  auto all = errors->Invoke(kDispIdNewEnum, kInvokePropertyGet, none).ObjectAs<Enumerator>();
+  ASSERT_NE(all, nullptr);
+  Variant item;
+  ASSERT_TRUE(all->Next(item));
+  EXPECT_EQ(AsDispatch(item), first);
+  // Out of range, and gone once an operation succeeds.
+  EXPECT_EQ(FailureOf([&] { Get(*errors, "Item", {99}); }).number, kErrItemNotFound);
+  Call(*connection, "Execute", {"SELECT * FROM t"});
+  EXPECT_EQ(CLng(Get(*errors, "Count")), 0);
+  EXPECT_EQ(FailureOf([&] { Get(*first, "Number"); }).number, kErrItemNotFound);
 }
 
 TEST(DispatchRules, OneWrapperPerObjectSoThatIsHolds) {

@@ -49,6 +49,8 @@ const std::vector<ClassEntry>& Entries() {
       Creatable<Recordset>(),
       Listed<internal::RecordsetFields>(),
       Listed<internal::RecordsetField>(),
+      Listed<internal::ConnectionErrors>(),
+      Listed<internal::ConnectionError>(),
   };
   return entries;
 }

@@ -1,5 +1,6 @@
 // The member tables of the data-access objects a host holds: Connection,
-// Recordset, and a recordset's Fields and Field. A recordset's default
+// Recordset, a recordset's Fields and Field, and a connection's Errors and
+// Error. A recordset's default
 // member is Fields, whose default is Item, whose default is the field's
 // Value: rs("X") reads rs.Fields.Item("X").Value.
 #include <memory>
@@ -13,6 +14,8 @@
 namespace kelvary::automation {
 
 using internal::ClassBuilder;
+using internal::ConnectionError;
+using internal::ConnectionErrors;
 using internal::RecordsetField;
 using internal::RecordsetFields;
 
@@ -103,6 +106,10 @@ const MemberTable& ClassTraits<Connection>::Table() {
     b.Property(
         "Provider", +[](C& c) { return c.Provider(); },
         +[](C& c, std::string v) { c.Provider(v); });
+    b.Getter(
+        "Errors", +[](C& c) {
+          return std::make_shared<ConnectionErrors>(ConnectionErrors{c.shared_from_this()});
+        });
     return t;
   }();
   return table;
@@ -291,6 +298,74 @@ const MemberTable& ClassTraits<RecordsetField>::Table() {
         "NumericScale", +[](C& f) { return static_cast<int32_t>(f.Native().NumericScale()); });
     b.Getter(
         "Attributes", +[](C& f) { return f.Native().Attributes(); });
+    return t;
+  }();
+  return table;
+}
+
+const kelvary::Error& internal::ConnectionError::Native() const {
+  const std::vector<Error>& errors = connection->Errors();
+  if (index < 0 || index >= static_cast<int32_t>(errors.size())) {
+    throw Error(kErrItemNotFound,
+                "Item cannot be found in the collection corresponding to the "
+                "requested name or ordinal.");
+  }
+  return errors[static_cast<size_t>(index)];
+}
+
+const MemberTable& ClassTraits<ConnectionErrors>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Errors",
+        {"{A60B160A-51C7-55C4-96E4-A1E9608DB809}", "{F21A219B-7881-5514-B438-C0C6DD0D1BF6}", ""},
+        false, "The errors of a connection's last failed operation");
+    ClassBuilder<ConnectionErrors> b(t);
+    using C = ConnectionErrors;
+    b.Getter(
+        "Item",
+        +[](C& e, int32_t Index) {
+          auto error = std::make_shared<ConnectionError>(ConnectionError{e.connection, Index});
+          error->Native();  // an index out of range raises here
+          return error;
+        },
+        {"Index"}, kDispIdValue);
+    b.Getter(
+        "Count", +[](C& e) { return static_cast<int32_t>(e.connection->Errors().size()); });
+    b.Getter(
+        "NewEnum",
+        +[](C& e) {
+          std::vector<Variant> items;
+          for (size_t i = 0; i < e.connection->Errors().size(); ++i) {
+            items.push_back(internal::Converter<std::shared_ptr<ConnectionError>>::Write(
+                std::make_shared<ConnectionError>(
+                    ConnectionError{e.connection, static_cast<int32_t>(i)})));
+          }
+          return std::make_shared<Enumerator>(std::move(items));
+        },
+        {}, kDispIdNewEnum);
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<ConnectionError>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Error",
+        {"{1F47D588-6DB0-5B2A-A926-21539BA97AE8}", "{E4EAC51C-75CE-5AB4-B225-45F2438E9D31}", ""},
+        false, "One error of a connection's last failed operation");
+    ClassBuilder<ConnectionError> b(t);
+    using C = ConnectionError;
+    b.Getter(
+        "Description", +[](C& e) { return e.Native().Description(); }, {}, kDispIdValue);
+    b.Getter(
+        "Number", +[](C& e) { return e.Native().Number(); });
+    b.Getter(
+        "Source", +[](C& e) { return e.Native().Source(); });
+    b.Getter(
+        "SQLState", +[](C& e) { return e.Native().SqlState(); });
+    b.Getter(
+        "NativeError", +[](C& e) { return e.Native().NativeError(); });
     return t;
   }();
   return table;

@@ -537,6 +537,7 @@ class Dual_Connection final : public DualFace<_Connection> {
   HRESULT STDMETHODCALLTYPE put_Mode(LONG v) override { return Put(12, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_Provider(BSTR* r) override { return Get(13, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_Provider(BSTR v) override { return Put(13, Result{}, {In<VT_BSTR>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Errors(_Errors** r) override { return Get(14, OutObject(r), {}); }
 };
 
 class Dual_Recordset final : public DualFace<_Recordset> {
@@ -611,6 +612,24 @@ class Dual_Field final : public DualFace<_Field> {
   HRESULT STDMETHODCALLTYPE get_Attributes(LONG* r) override { return Get(9, Out<VT_I4>(r), {}); }
 };
 
+class Dual_Errors final : public DualFace<_Errors> {
+ public:
+  using DualFace::DualFace;
+  HRESULT STDMETHODCALLTYPE get_Item(LONG a1, _Error** r) override { return Get(0, OutObject(r), {In<VT_I4>(a1)}); }
+  HRESULT STDMETHODCALLTYPE get_Count(LONG* r) override { return Get(1, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_NewEnum(IUnknown** r) override { return Get(-4, Out<VT_UNKNOWN>(r), {}); }
+};
+
+class Dual_Error final : public DualFace<_Error> {
+ public:
+  using DualFace::DualFace;
+  HRESULT STDMETHODCALLTYPE get_Description(BSTR* r) override { return Get(0, Out<VT_BSTR>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_Number(LONG* r) override { return Get(1, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_Source(BSTR* r) override { return Get(2, Out<VT_BSTR>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_SQLState(BSTR* r) override { return Get(3, Out<VT_BSTR>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_NativeError(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
+};
+
 }  // namespace
 
 DualBase* NewDualFace(REFIID iid, ComDispatch* owner) {
@@ -637,6 +656,8 @@ DualBase* NewDualFace(REFIID iid, ComDispatch* owner) {
   if (iid == __uuidof(_Recordset)) return new Dual_Recordset(owner);
   if (iid == __uuidof(_Fields)) return new Dual_Fields(owner);
   if (iid == __uuidof(_Field)) return new Dual_Field(owner);
+  if (iid == __uuidof(_Errors)) return new Dual_Errors(owner);
+  if (iid == __uuidof(_Error)) return new Dual_Error(owner);
   return nullptr;
 }
 

@@ -1,6 +1,7 @@
 // The classes that have member tables, for the tables' own sources: the
-// ClassTraits specialisations and the two views of a recordset that have no
-// native class of their own (its Fields collection and one Field).
+// ClassTraits specialisations and the views of a recordset and a connection
+// that have no native class of their own (a recordset's Fields collection and
+// one Field, a connection's Errors collection and one Error).
 #pragma once
 
 #include <cstdint>
@@ -27,8 +28,20 @@ struct RecordsetField {
   int32_t ordinal = 0;
   kelvary::Field& Native() const { return recordset->Fields(ordinal); }
 };
+// ConnectionErrors: the Errors collection of a connection: the errors of its
+// last failed operation, read as they are now.
+struct ConnectionErrors {
+  std::shared_ptr<Connection> connection;
+};
+// ConnectionError: one of them, by position.
+struct ConnectionError {
+  std::shared_ptr<Connection> connection;
+  int32_t index = 0;
+  const kelvary::Error& Native() const;  // raises 3265 once the error is gone
+};
 // The facets of a recordset's identity: the recordset itself, its Fields,
-// and each field (kFieldFacet + ordinal).
+// and each field (kFieldFacet + ordinal); a connection's likewise, with its
+// Errors and each error.
 inline constexpr int64_t kFieldsFacet = 1;
 inline constexpr int64_t kFieldFacet = 2;
 inline Identity IdentityOf(const std::shared_ptr<RecordsetFields>& fields) {
@@ -36,6 +49,12 @@ inline Identity IdentityOf(const std::shared_ptr<RecordsetFields>& fields) {
 }
 inline Identity IdentityOf(const std::shared_ptr<RecordsetField>& field) {
   return Identity{field->recordset.get(), kFieldFacet + field->ordinal};
+}
+inline Identity IdentityOf(const std::shared_ptr<ConnectionErrors>& errors) {
+  return Identity{errors->connection.get(), kFieldsFacet};
+}
+inline Identity IdentityOf(const std::shared_ptr<ConnectionError>& error) {
+  return Identity{error->connection.get(), kFieldFacet + error->index};
 }
 }  // namespace internal
 
@@ -109,6 +128,8 @@ KELVARY_AUTOMATION_CLASS(Recordset, "Recordset")
 KELVARY_AUTOMATION_CLASS(GeneralCollection, "KeyedCollection")
 KELVARY_AUTOMATION_CLASS(internal::RecordsetFields, "Fields")
 KELVARY_AUTOMATION_CLASS(internal::RecordsetField, "Field")
+KELVARY_AUTOMATION_CLASS(internal::ConnectionErrors, "Errors")
+KELVARY_AUTOMATION_CLASS(internal::ConnectionError, "Error")
 
 #undef KELVARY_AUTOMATION_CLASS
 
