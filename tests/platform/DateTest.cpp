@@ -48,6 +48,11 @@ TEST(Date, SerialAndAddDaysRollMonthsYearsAndLeapDays) {
   EXPECT_EQ(AddDays(DateSerial(1900, 1, 1), -3), DateSerial(1899, 12, 29));
   EXPECT_EQ(AddDays(DateTimeOf(2024, 3, 5, 18, 0, 0), 1), DateTimeOf(2024, 3, 6, 18, 0, 0));
   EXPECT_THROW(DateSerial(10000, 1, 1), Error);
+  // The range ends on its first and last day, also when a day rolls over it.
+  EXPECT_THROW(DateSerial(9999, 12, 32), Error);
+  EXPECT_THROW(DateSerial(100, 1, 0), Error);
+  EXPECT_EQ(DateSerial(9999, 11, 61), DateSerial(9999, 12, 31));
+  EXPECT_EQ(DateSerial(100, 2, -30), DateSerial(100, 1, 1));
   EXPECT_EQ(Weekday(DateSerial(2024, 3, 5)), 3);  // a Tuesday
 }
 

@@ -82,8 +82,11 @@ Date Join(int64_t day, double time_fraction) {
 }
 
 void CheckYear(int64_t day) {
-  const int year = CivilFromDays(day + kEpochOffset).year;
-  if (year < 100 || year > 9999) {
+  // The first and last day of those years, as day numbers: dates are built
+  // row by row from what databases hand over, so no calendar is worked out.
+  constexpr int64_t kFirst = DaysFromCivil(100, 1, 1) - kEpochOffset;
+  constexpr int64_t kLast = DaysFromCivil(9999, 12, 31) - kEpochOffset;
+  if (day < kFirst || day > kLast) {
     throw Error(kErrInvalidProcedureCall, "Date out of range (years 100 to 9999)");
   }
 }

@@ -361,8 +361,11 @@ Variant ReadWithGetData(SQLHSTMT stmt, SQLUSMALLINT column, const ColumnPlan& pl
 }
 
 // Appends the value of bound row `row` to cells; false (nothing appended)
-// when the value did not fit its slot and must be read again.
-bool AppendBoundValue(const ColumnPlan& plan, size_t row, std::vector<Variant>& cells) {
+// when the value did not fit its slot and must be read again. Texts are
+// narrowed into text, one buffer for the whole fetch: the cell copies what
+// it needs (short texts go inside it), so no string is made per cell.
+bool AppendBoundValue(const ColumnPlan& plan, size_t row, std::vector<Variant>& cells,
+                      std::string& text) {
   const SQLLEN indicator = plan.indicators[row];
   if (indicator == SQL_NULL_DATA) {
     cells.push_back(Variant::Null());
@@ -375,10 +378,10 @@ bool AppendBoundValue(const ColumnPlan& plan, size_t row, std::vector<Variant>& 
           static_cast<size_t>(indicator) > plan.slot_bytes - sizeof(SQLWCHAR)) {
         return false;
       }
-      std::string text;
+      text.clear();
       AppendNarrow(reinterpret_cast<const SQLWCHAR*>(slot),
                    static_cast<size_t>(indicator) / sizeof(SQLWCHAR), text);
-      cells.emplace_back(std::move(text));
+      cells.emplace_back(std::string_view(text));
       return true;
     }
     case Kind::kBinary:
@@ -434,6 +437,7 @@ void FetchBlocks(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, size_t max_rows,
 
   const size_t columns = plans.size();
   size_t total = 0;
+  std::string text;
   while (max_rows == 0 || total < max_rows) {
     fetched = 0;
     const SQLRETURN rc = SQLFetch(stmt);
@@ -445,7 +449,7 @@ void FetchBlocks(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, size_t max_rows,
         ThrowDiagnostics(SQL_HANDLE_STMT, stmt, "SQLFetch", statement);
       bool positioned = false;
       for (size_t c = 0; c < columns; ++c) {
-        if (AppendBoundValue(plans[c], row, cells)) continue;
+        if (AppendBoundValue(plans[c], row, cells, text)) continue;
         if (!positioned) {
           Check(SQLSetPos(stmt, static_cast<SQLSETPOSIROW>(row + 1), SQL_POSITION,
                           SQL_LOCK_NO_CHANGE),
