@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "kelvary/automation/Classes.h"
+#include "kelvary/automation/Enumerations.h"
 #include "kelvary/automation/InterfaceText.h"
 
 namespace kelvary::automation {
@@ -31,6 +33,45 @@ TEST(InterfaceText, TheCheckedInCopiesAreWhatTheTablesGive) {
         << " differs from the member tables; regenerate it with\n"
            "  cmake --build build --target update-idl\n"
            "and commit the result.";
+  }
+}
+
+// A Long of an enumeration is declared as the enumeration, and every
+// enumeration the tables name is declared with its members, whose names are
+// unique across the library (they share one scope in a type library).
+TEST(InterfaceText, EnumerationsAreDeclaredWithTheirMembers) {
+  std::set<std::string> named;
+  auto note = [&](const TypeRef& type) {
+    if (type.kind == ValueKind::kLong && !type.name.empty()) named.insert(type.name);
+  };
+  for (const MemberTable* t : AllTables()) {
+    for (const MemberInfo& m : t->Members()) {
+      note(m.result);
+      for (const ParamInfo& p : m.params)
+        note(p.type);
+    }
+    for (const EventInfo& e : t->Events()) {
+      for (const ParamInfo& p : e.params)
+        note(p.type);
+    }
+  }
+  ASSERT_FALSE(named.empty());
+  const std::string text = InterfaceDefinition();
+  for (const std::string& name : named) {
+    ASSERT_NE(FindEnumeration(name), nullptr) << name << " is not listed with its members";
+    EXPECT_NE(text.find("} " + name + ";"), std::string::npos) << name;
+  }
+  std::set<std::string> members;
+  for (const EnumerationInfo& e : AllEnumerations()) {
+    EXPECT_FALSE(e.members.empty()) << e.name;
+    for (const EnumerationMember& m : e.members)
+      EXPECT_TRUE(members.insert(m.name).second) << m.name << " declared twice";
+  }
+  for (const char* expected :
+       {"    pdsmaindata = 1,\n", "    adOpenStatic = 3\n",
+        "[in] ProjectDataSources SourceofData, [in, out] _Recordset** rs",
+        "[id(4), propget] HRESULT State([out, retval] ObjectStateEnum* pRetVal);"}) {
+    EXPECT_NE(text.find(expected), std::string::npos) << expected;
   }
 }
 

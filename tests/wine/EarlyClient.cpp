@@ -148,7 +148,8 @@ void SweepReads(IDispatch* object, const char* what) {
       continue;
     }
     VARTYPE type = ret->tdesc.lptdesc->vt;
-    if (type == VT_PTR) type = VT_UNKNOWN;  // an interface pointer
+    if (type == VT_PTR) type = VT_UNKNOWN;     // an interface pointer
+    if (type == VT_USERDEFINED) type = VT_I4;  // an enumeration
     Var early;
     VARIANT slot;  // the entry's [out, retval] value, read as a VARIANT of its type
     VariantInit(&slot);
@@ -229,16 +230,17 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
   // Properties: a let through the vtable reads back the same early and late.
   {
     Bstr order(L"LastName"), back;
-    LONG type = -1;
+    StdDBTypes type = sdbOracle;
     VARIANT_BOOL safe = VARIANT_FALSE;
-    const bool set = link->put_MainDBType(0) == S_OK && link->put_ORDERFIELD1(order.b) == S_OK &&
+    const bool set = link->put_MainDBType(sdbAccess) == S_OK &&
+                     link->put_ORDERFIELD1(order.b) == S_OK &&
                      link->put_UseSafeDelete(VARIANT_TRUE) == S_OK;
     const bool read = link->get_MainDBType(&type) == S_OK &&
                       link->get_ORDERFIELD1(back.Out()) == S_OK &&
                       link->get_UseSafeDelete(&safe) == S_OK;
     Outcome late_order = Call(link.p, L"ORDERFIELD1", DISPATCH_PROPERTYGET, {});
     Outcome late_safe = Call(link.p, L"UseSafeDelete", DISPATCH_PROPERTYGET, {});
-    Check(set && read && type == 0 && back.Text() == L"LastName" && safe == VARIANT_TRUE &&
+    Check(set && read && type == sdbAccess && back.Text() == L"LastName" && safe == VARIANT_TRUE &&
               late_order.Text() == L"LastName" && V_VT(&late_safe.result) == VT_BOOL &&
               V_BOOL(&late_safe.result) == VARIANT_TRUE,
           "let and get of a Long, a text and a Boolean property, read back early and late");
@@ -256,7 +258,7 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
         link->ConnectDefault(&given_main.p, &given_sys.p, main_dsn.b, sys_dsn.b, &direct, &ok);
     Check(hr == S_OK && ok == VARIANT_TRUE, "ConnectDefault through the vtable");
     Ptr<_Connection> again;
-    LONG state = 0;
+    ObjectStateEnum state = adStateClosed;
     Bstr version;
     Outcome late_app = Call(link.p, L"AppDataXion", DISPATCH_PROPERTYGET, {});
     const bool read = link->get_AppDataXion(main_xion.Out()) == S_OK &&
@@ -268,7 +270,7 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
                   static_cast<IUnknown*>(main_xion.p),
           "AppDataXion read early twice and late is one object (Is holds); ConfigsXion another");
     if (main_xion.p == nullptr) return 1;
-    Check(main_xion->get_State(&state) == S_OK && state == 1 &&
+    Check(main_xion->get_State(&state) == S_OK && state == adStateOpen &&
               main_xion->get_Version(version.Out()) == S_OK &&
               version.Text() ==
                   Call(AsDispatch(main_xion.p), L"Version", DISPATCH_PROPERTYGET, {}).Text(),
@@ -289,7 +291,8 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
           "GetDescription with its optional argument left out and passed");
 
     Bstr display, value, table_name, sql, caption;
-    LONG table = 0, source = 0, result = 0;
+    LONG table = 0, result = 0;
+    ProjectDataSources source = pdsRawData;
     Var many, screen, secondary;
     const HRESULT c =
         link->GetSearchLinkDetails(2, &display.b, &value.b, &table, &table_name.b, &source, &sql.b,
@@ -323,8 +326,9 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
   {
     Bstr sql(L"SELECT ID, LastName FROM patients ORDER BY ID");
     VARIANT_BOOL filled = VARIANT_FALSE;
-    Check(link->FillRecordSet(1, &rs.p, sql.b, 3, 3, &filled) == S_OK && filled == VARIANT_TRUE &&
-              rs.p != nullptr,
+    Check(link->FillRecordSet(pdsmaindata, &rs.p, sql.b, adOpenStatic, adLockOptimistic, &filled) ==
+                  S_OK &&
+              filled == VARIANT_TRUE && rs.p != nullptr,
           "FillRecordSet through the vtable hands a recordset back");
     if (rs.p == nullptr) return 1;
     std::wstring early_walk, late_walk;
@@ -393,8 +397,8 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
     V_ARRAY(&list.v) = SafeArrayCreateVector(VT_I4, 0, 2);
     Bstr out(L"untouched");
     Bstr field(L"F");
-    const HRESULT early = link->GetComparisionClauseForDefEqual(field.b, 1, list.v, VARIANT_FALSE,
-                                                                VARIANT_FALSE, out.Out());
+    const HRESULT early = link->GetComparisionClauseForDefEqual(
+        field.b, gdtText, list.v, VARIANT_FALSE, VARIANT_FALSE, out.Out());
     Outcome late = Method(link.p, L"GetComparisionClauseForDefEqual",
                           {Arg(L"F"), Arg(1), list, Arg::Bool(false), Arg::Bool(false)});
     Check(early == DISP_E_TYPEMISMATCH && late.scode == DISP_E_TYPEMISMATCH && out.b == nullptr,
@@ -444,7 +448,7 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
   // Every property read of the objects a host holds (distinct values first,
   // so that a read of the wrong member shows).
   link->put_CurrentUserSessionID(101);
-  link->put_DBRole(3);
+  link->put_DBRole(static_cast<DBRoles>(3));
   link->put_CurrentPhysicalLocationID(7);
   link->put_CurrPhysLocIDPrefix(8);
   link->put_CurrentUserID(11);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kelvary/automation/Classes.h"
+#include "kelvary/automation/Enumerations.h"
 #include "kelvary/automation/MemberTable.h"
 
 namespace kelvary::automation {
@@ -27,7 +28,8 @@ std::string TypeName(const TypeRef& type) {
     case ValueKind::kInteger:
       return "short";
     case ValueKind::kLong:
-      return "long";
+      // A Long of an enumeration is declared as that enumeration.
+      return FindEnumeration(type.name) != nullptr ? type.name : "long";
     case ValueKind::kSingle:
       return "float";
     case ValueKind::kDouble:
@@ -114,6 +116,15 @@ void WriteInterface(std::ostream& os, const MemberTable& t) {
   os << "  };\n\n";
 }
 
+void WriteEnumeration(std::ostream& os, const EnumerationInfo& e) {
+  os << "  typedef [v1_enum] enum {\n";
+  for (size_t i = 0; i < e.members.size(); ++i) {
+    os << "    " << e.members[i].name << " = " << e.members[i].value
+       << (i + 1 < e.members.size() ? ",\n" : "\n");
+  }
+  os << "  } " << e.name << ";\n\n";
+}
+
 void WriteEvents(std::ostream& os, const MemberTable& t) {
   os << "  [\n"
      << "    uuid(" << Uuid(t.Guids().events_id) << "),\n"
@@ -152,7 +163,9 @@ std::string CxxType(const TypeRef& type) {
     case ValueKind::kInteger:
       return "short";
     case ValueKind::kLong:
-      return "LONG";
+      // The enumeration as the header declares it, at global scope: the
+      // library's own C++ enumeration of that name is another type.
+      return FindEnumeration(type.name) != nullptr ? "::" + type.name : "LONG";
     case ValueKind::kCurrency:
       return "CY";
     case ValueKind::kVoid:
@@ -292,6 +305,8 @@ std::string InterfaceDefinition() {
      << "]\n"
      << "library " << kTypeLibraryName << "\n{\n"
      << "  importlib(\"stdole2.tlb\");\n\n";
+  for (const EnumerationInfo& e : AllEnumerations())
+    WriteEnumeration(os, e);
   for (const MemberTable* t : AllTables())
     os << "  interface " << t->InterfaceName() << ";\n";
   os << "\n";

@@ -14,22 +14,22 @@ class Dual_InfoLink final : public DualFace<_InfoLink> {
   HRESULT STDMETHODCALLTYPE put_CurrentUserSessionID(LONG v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_LogFileEntrySetting(LONG* r) override { return Get(2, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_LogFileEntrySetting(LONG v) override { return Put(2, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_DBRole(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_DBRole(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_DBRole(::DBRoles* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_DBRole(::DBRoles v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ORDERFIELD1(BSTR* r) override { return Get(4, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_ORDERFIELD1(BSTR v) override { return Put(4, Result{}, {In<VT_BSTR>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ORDERFIELD2(BSTR* r) override { return Get(5, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_ORDERFIELD2(BSTR v) override { return Put(5, Result{}, {In<VT_BSTR>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ORDERFIELD3(BSTR* r) override { return Get(6, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_ORDERFIELD3(BSTR v) override { return Put(6, Result{}, {In<VT_BSTR>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_MainDBType(LONG* r) override { return Get(7, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_MainDBType(LONG v) override { return Put(7, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_MainDBType(::StdDBTypes* r) override { return Get(7, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_MainDBType(::StdDBTypes v) override { return Put(7, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_CurrentPhysicalLocationID(LONG* r) override { return Get(8, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_CurrentPhysicalLocationID(LONG v) override { return Put(8, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_CurrPhysLocIDPrefix(LONG* r) override { return Get(9, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_CurrPhysLocIDPrefix(LONG v) override { return Put(9, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_GenCodeMethod(LONG* r) override { return Get(10, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_GenCodeMethod(LONG v) override { return Put(10, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_GenCodeMethod(::CodeGenMethods* r) override { return Get(10, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_GenCodeMethod(::CodeGenMethods v) override { return Put(10, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_CurrentUserID(LONG* r) override { return Get(11, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_CurrentUserID(LONG v) override { return Put(11, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_UseSafeDelete(VARIANT_BOOL* r) override { return Get(12, Out<VT_BOOL>(r), {}); }
@@ -49,15 +49,15 @@ class Dual_InfoLink final : public DualFace<_InfoLink> {
   HRESULT STDMETHODCALLTYPE get_ConfigsXion(_Connection** r) override { return Get(19, OutObject(r), {}); }
   HRESULT STDMETHODCALLTYPE putref_ConfigsXion(_Connection* v) override { return PutRef(19, Result{}, {In<VT_DISPATCH>(v)}); }
   HRESULT STDMETHODCALLTYPE ConnectDefault(_Connection** a1, _Connection** a2, BSTR a3, BSTR a4, VARIANT* a5, VARIANT_BOOL* r) override { return Method(20, Out<VT_BOOL>(r), {Ref<VT_DISPATCH>(a1), Ref<VT_DISPATCH>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), OptionalRef(a5)}); }
-  HRESULT STDMETHODCALLTYPE InterpretUserDataLocation(LONG* r) override { return Method(21, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE FillRecordSet(LONG a1, _Recordset** a2, BSTR a3, LONG a4, LONG a5, VARIANT_BOOL* r) override { return Method(22, Out<VT_BOOL>(r), {In<VT_I4>(a1), Ref<VT_DISPATCH>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_I4>(a5)}); }
-  HRESULT STDMETHODCALLTYPE ExecuteSQL(LONG a1, BSTR a2, VARIANT_BOOL* r) override { return Method(23, Out<VT_BOOL>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2)}); }
-  HRESULT STDMETHODCALLTYPE WriteSQLHistory(LONG a1, BSTR a2) override { return Method(24, Result{}, {In<VT_I4>(a1), In<VT_BSTR>(a2)}); }
+  HRESULT STDMETHODCALLTYPE InterpretUserDataLocation(::ProjectDataSources* r) override { return Method(21, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE FillRecordSet(::ProjectDataSources a1, _Recordset** a2, BSTR a3, ::CursorTypeEnum a4, ::LockTypeEnum a5, VARIANT_BOOL* r) override { return Method(22, Out<VT_BOOL>(r), {In<VT_I4>(a1), Ref<VT_DISPATCH>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_I4>(a5)}); }
+  HRESULT STDMETHODCALLTYPE ExecuteSQL(::ProjectDataSources a1, BSTR a2, VARIANT_BOOL* r) override { return Method(23, Out<VT_BOOL>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2)}); }
+  HRESULT STDMETHODCALLTYPE WriteSQLHistory(::LogFileEntryTypes a1, BSTR a2) override { return Method(24, Result{}, {In<VT_I4>(a1), In<VT_BSTR>(a2)}); }
   HRESULT STDMETHODCALLTYPE SafelyCloseRecordSet(_Recordset* a1) override { return Method(25, Result{}, {In<VT_DISPATCH>(a1)}); }
   HRESULT STDMETHODCALLTYPE IsValidRecord(_Recordset* a1, VARIANT_BOOL* r) override { return Method(26, Out<VT_BOOL>(r), {In<VT_DISPATCH>(a1)}); }
   HRESULT STDMETHODCALLTYPE RemoveNonNulls(_Recordset* a1) override { return Method(27, Result{}, {In<VT_DISPATCH>(a1)}); }
   HRESULT STDMETHODCALLTYPE AssignFieldValuesToAllRecs(_Recordset* a1, BSTR a2, VARIANT a3) override { return Method(28, Result{}, {In<VT_DISPATCH>(a1), In<VT_BSTR>(a2), In<VT_VARIANT>(a3)}); }
-  HRESULT STDMETHODCALLTYPE InterpretRecordErrorStatus(LONG a1, VARIANT a2, _Recordset* a3, BSTR* r) override { return Method(29, Out<VT_BSTR>(r), {In<VT_I4>(a1), In<VT_VARIANT>(a2), In<VT_DISPATCH>(a3)}); }
+  HRESULT STDMETHODCALLTYPE InterpretRecordErrorStatus(::ProjectDataSources a1, VARIANT a2, _Recordset* a3, BSTR* r) override { return Method(29, Out<VT_BSTR>(r), {In<VT_I4>(a1), In<VT_VARIANT>(a2), In<VT_DISPATCH>(a3)}); }
   HRESULT STDMETHODCALLTYPE GetSQLEntityName(BSTR a1, BSTR* r) override { return Method(30, Out<VT_BSTR>(r), {In<VT_BSTR>(a1)}); }
   HRESULT STDMETHODCALLTYPE GetInvertedCommaSafeString(BSTR a1, BSTR* r) override { return Method(31, Out<VT_BSTR>(r), {In<VT_BSTR>(a1)}); }
   HRESULT STDMETHODCALLTYPE FormatDateToDBStr(DATE a1, BSTR* r) override { return Method(32, Out<VT_BSTR>(r), {In<VT_DATE>(a1)}); }
@@ -65,44 +65,44 @@ class Dual_InfoLink final : public DualFace<_InfoLink> {
   HRESULT STDMETHODCALLTYPE GetNameClause(BSTR a1, BSTR a2, BSTR a3, BSTR* r) override { return Method(34, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3)}); }
   HRESULT STDMETHODCALLTYPE CreateAlphaClause(BSTR a1, short a2, BSTR* r) override { return Method(35, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I2>(a2)}); }
   HRESULT STDMETHODCALLTYPE GetCombinedPhone(BSTR a1, BSTR a2, BSTR* r) override { return Method(36, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_BSTR>(a2)}); }
-  HRESULT STDMETHODCALLTYPE GetComparisionClause(BSTR a1, LONG a2, LONG a3, LONG a4, VARIANT a5, VARIANT a6, VARIANT_BOOL a7, VARIANT_BOOL a8, BSTR* r) override { return Method(37, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_I4>(a4), In<VT_VARIANT>(a5), In<VT_VARIANT>(a6), In<VT_BOOL>(a7), In<VT_BOOL>(a8)}); }
-  HRESULT STDMETHODCALLTYPE GetBooleanCompareClause(BSTR a1, LONG a2, VARIANT_BOOL a3, VARIANT_BOOL a4, BSTR* r) override { return Method(38, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_BOOL>(a3), In<VT_BOOL>(a4)}); }
-  HRESULT STDMETHODCALLTYPE GetComparisionClauseForDefEqual(BSTR a1, LONG a2, VARIANT a3, VARIANT_BOOL a4, VARIANT_BOOL a5, BSTR* r) override { return Method(39, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_VARIANT>(a3), In<VT_BOOL>(a4), In<VT_BOOL>(a5)}); }
-  HRESULT STDMETHODCALLTYPE GetDateSqlFromValues(BSTR a1, LONG a2, VARIANT a3, VARIANT a4, VARIANT a5, BSTR* r) override { return Method(40, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_VARIANT>(a3), In<VT_VARIANT>(a4), In<VT_VARIANT>(a5)}); }
-  HRESULT STDMETHODCALLTYPE GetDateSqlFromControls(BSTR a1, LONG a2, IDispatch* a3, IDispatch* a4, BSTR* r) override { return Method(41, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_DISPATCH>(a3), In<VT_DISPATCH>(a4)}); }
+  HRESULT STDMETHODCALLTYPE GetComparisionClause(BSTR a1, ::FieldDataTypes a2, ::CompareTypes a3, LONG a4, VARIANT a5, VARIANT a6, VARIANT_BOOL a7, VARIANT_BOOL a8, BSTR* r) override { return Method(37, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_I4>(a4), In<VT_VARIANT>(a5), In<VT_VARIANT>(a6), In<VT_BOOL>(a7), In<VT_BOOL>(a8)}); }
+  HRESULT STDMETHODCALLTYPE GetBooleanCompareClause(BSTR a1, ::CompareTypes a2, VARIANT_BOOL a3, VARIANT_BOOL a4, BSTR* r) override { return Method(38, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_BOOL>(a3), In<VT_BOOL>(a4)}); }
+  HRESULT STDMETHODCALLTYPE GetComparisionClauseForDefEqual(BSTR a1, ::GeneralDataTypes a2, VARIANT a3, VARIANT_BOOL a4, VARIANT_BOOL a5, BSTR* r) override { return Method(39, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_VARIANT>(a3), In<VT_BOOL>(a4), In<VT_BOOL>(a5)}); }
+  HRESULT STDMETHODCALLTYPE GetDateSqlFromValues(BSTR a1, ::DateRangeSpecs a2, VARIANT a3, VARIANT a4, VARIANT a5, BSTR* r) override { return Method(40, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_VARIANT>(a3), In<VT_VARIANT>(a4), In<VT_VARIANT>(a5)}); }
+  HRESULT STDMETHODCALLTYPE GetDateSqlFromControls(BSTR a1, ::DateRangeSpecs a2, IDispatch* a3, IDispatch* a4, BSTR* r) override { return Method(41, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_I4>(a2), In<VT_DISPATCH>(a3), In<VT_DISPATCH>(a4)}); }
   HRESULT STDMETHODCALLTYPE InitLists(VARIANT_BOOL a1, VARIANT_BOOL a2) override { return Method(42, Result{}, {In<VT_BOOL>(a1), In<VT_BOOL>(a2)}); }
-  HRESULT STDMETHODCALLTYPE GetSearchLinkDetails(LONG a1, BSTR* a2, BSTR* a3, LONG* a4, BSTR* a5, LONG* a6, BSTR* a7, BSTR* a8, VARIANT* a9, VARIANT* a10, VARIANT* a11, LONG* r) override { return Method(43, Out<VT_I4>(r), {In<VT_I4>(a1), Ref<VT_BSTR>(a2), Ref<VT_BSTR>(a3), Ref<VT_I4>(a4), Ref<VT_BSTR>(a5), Ref<VT_I4>(a6), Ref<VT_BSTR>(a7), Ref<VT_BSTR>(a8), OptionalRef(a9), OptionalRef(a10), OptionalRef(a11)}); }
+  HRESULT STDMETHODCALLTYPE GetSearchLinkDetails(LONG a1, BSTR* a2, BSTR* a3, LONG* a4, BSTR* a5, ::ProjectDataSources* a6, BSTR* a7, BSTR* a8, VARIANT* a9, VARIANT* a10, VARIANT* a11, LONG* r) override { return Method(43, Out<VT_I4>(r), {In<VT_I4>(a1), Ref<VT_BSTR>(a2), Ref<VT_BSTR>(a3), Ref<VT_I4>(a4), Ref<VT_BSTR>(a5), Ref<VT_I4>(a6), Ref<VT_BSTR>(a7), Ref<VT_BSTR>(a8), OptionalRef(a9), OptionalRef(a10), OptionalRef(a11)}); }
   HRESULT STDMETHODCALLTYPE GetDescription(LONG a1, LONG a2, VARIANT a3, BSTR* r) override { return Method(44, Out<VT_BSTR>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_VARIANT>(a3)}); }
-  HRESULT STDMETHODCALLTYPE GetSrchlinkControlType(LONG a1, VARIANT* a2, LONG* r) override { return Method(45, Out<VT_I4>(r), {In<VT_I4>(a1), Ref<VT_VARIANT>(a2)}); }
+  HRESULT STDMETHODCALLTYPE GetSrchlinkControlType(LONG a1, VARIANT* a2, ::ControlTypes* r) override { return Method(45, Out<VT_I4>(r), {In<VT_I4>(a1), Ref<VT_VARIANT>(a2)}); }
   HRESULT STDMETHODCALLTYPE GetDefinitionTable(LONG a1, LONG* r) override { return Method(46, Out<VT_I4>(r), {In<VT_I4>(a1)}); }
   HRESULT STDMETHODCALLTYPE GetCoreName(LONG a1, BSTR a2, VARIANT a3, VARIANT* r) override { return Method(47, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_VARIANT>(a3)}); }
-  HRESULT STDMETHODCALLTYPE GetDescriptionFromCode(LONG a1, BSTR a2, BSTR a3, BSTR a4, LONG a5, BSTR a6, VARIANT a7, VARIANT a8, BSTR* r) override { return Method(48, Out<VT_BSTR>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_BSTR>(a6), In<VT_VARIANT>(a7), In<VT_VARIANT>(a8)}); }
-  HRESULT STDMETHODCALLTYPE GetCorrespondingValue(LONG a1, BSTR a2, BSTR a3, BSTR a4, LONG a5, BSTR a6, VARIANT* r) override { return Method(49, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_BSTR>(a6)}); }
-  HRESULT STDMETHODCALLTYPE GetCorrespondingValueFromText(BSTR a1, BSTR a2, BSTR a3, BSTR a4, LONG a5, BSTR a6, VARIANT* r) override { return Method(50, Out<VT_VARIANT>(r), {In<VT_BSTR>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_BSTR>(a6)}); }
-  HRESULT STDMETHODCALLTYPE GetHierarchicalParentNonZeroLongValue(LONG a1, BSTR a2, BSTR a3, BSTR a4, LONG a5, LONG* r) override { return Method(51, Out<VT_I4>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5)}); }
-  HRESULT STDMETHODCALLTYPE IsCheckListAttributeEnabled(LONG a1, BSTR a2, BSTR a3, LONG a4, BSTR a5, LONG a6, VARIANT_BOOL* r) override { return Method(52, Out<VT_BOOL>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_BSTR>(a5), In<VT_I4>(a6)}); }
+  HRESULT STDMETHODCALLTYPE GetDescriptionFromCode(LONG a1, BSTR a2, BSTR a3, BSTR a4, ::ProjectDataSources a5, BSTR a6, VARIANT a7, VARIANT a8, BSTR* r) override { return Method(48, Out<VT_BSTR>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_BSTR>(a6), In<VT_VARIANT>(a7), In<VT_VARIANT>(a8)}); }
+  HRESULT STDMETHODCALLTYPE GetCorrespondingValue(LONG a1, BSTR a2, BSTR a3, BSTR a4, ::ProjectDataSources a5, BSTR a6, VARIANT* r) override { return Method(49, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_BSTR>(a6)}); }
+  HRESULT STDMETHODCALLTYPE GetCorrespondingValueFromText(BSTR a1, BSTR a2, BSTR a3, BSTR a4, ::ProjectDataSources a5, BSTR a6, VARIANT* r) override { return Method(50, Out<VT_VARIANT>(r), {In<VT_BSTR>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_BSTR>(a6)}); }
+  HRESULT STDMETHODCALLTYPE GetHierarchicalParentNonZeroLongValue(LONG a1, BSTR a2, BSTR a3, BSTR a4, ::ProjectDataSources a5, LONG* r) override { return Method(51, Out<VT_I4>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5)}); }
+  HRESULT STDMETHODCALLTYPE IsCheckListAttributeEnabled(::ProjectDataSources a1, BSTR a2, BSTR a3, LONG a4, BSTR a5, LONG a6, VARIANT_BOOL* r) override { return Method(52, Out<VT_BOOL>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_BSTR>(a5), In<VT_I4>(a6)}); }
   HRESULT STDMETHODCALLTYPE GetTableIDFromName(BSTR a1, LONG* r) override { return Method(53, Out<VT_I4>(r), {In<VT_BSTR>(a1)}); }
   HRESULT STDMETHODCALLTYPE SupplyMultiListdata(LONG a1, BSTR* a2, BSTR* a3, BSTR* a4, BSTR* a5, VARIANT* a6, BSTR* r) override { return Method(54, Out<VT_BSTR>(r), {In<VT_I4>(a1), Ref<VT_BSTR>(a2), Ref<VT_BSTR>(a3), Ref<VT_BSTR>(a4), Ref<VT_BSTR>(a5), OptionalRef(a6)}); }
   HRESULT STDMETHODCALLTYPE GetMultiListParentWnd(LONG a1, VARIANT* a2, LONG* r) override { return Method(55, Out<VT_I4>(r), {In<VT_I4>(a1), OptionalRef(a2)}); }
   HRESULT STDMETHODCALLTYPE GetMultiSettings(LONG a1, BSTR* a2, VARIANT* a3, LONG* r) override { return Method(56, Out<VT_I4>(r), {In<VT_I4>(a1), Ref<VT_BSTR>(a2), OptionalRef(a3)}); }
   HRESULT STDMETHODCALLTYPE FillWithMultiListOptions(LONG a1, IDispatch* a2) override { return Method(57, Result{}, {In<VT_I4>(a1), In<VT_DISPATCH>(a2)}); }
-  HRESULT STDMETHODCALLTYPE GetMultiSelectSQL(LONG a1, BSTR* a2, BSTR* a3, LONG* a4, BSTR* r) override { return Method(58, Out<VT_BSTR>(r), {In<VT_I4>(a1), Ref<VT_BSTR>(a2), Ref<VT_BSTR>(a3), Ref<VT_I4>(a4)}); }
+  HRESULT STDMETHODCALLTYPE GetMultiSelectSQL(LONG a1, BSTR* a2, BSTR* a3, ::ProjectDataSources* a4, BSTR* r) override { return Method(58, Out<VT_BSTR>(r), {In<VT_I4>(a1), Ref<VT_BSTR>(a2), Ref<VT_BSTR>(a3), Ref<VT_I4>(a4)}); }
   HRESULT STDMETHODCALLTYPE GetMultiString(LONG a1, LONG a2, BSTR* r) override { return Method(59, Out<VT_BSTR>(r), {In<VT_I4>(a1), In<VT_I4>(a2)}); }
   HRESULT STDMETHODCALLTYPE FillComboWithOptions(IDispatch* a1, LONG a2) override { return Method(60, Result{}, {In<VT_DISPATCH>(a1), In<VT_I4>(a2)}); }
-  HRESULT STDMETHODCALLTYPE FillComboWithSQL(IDispatch* a1, LONG a2, BSTR a3, BSTR a4, BSTR a5, VARIANT_BOOL a6, VARIANT a7) override { return Method(61, Result{}, {In<VT_DISPATCH>(a1), In<VT_I4>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_BSTR>(a5), In<VT_BOOL>(a6), In<VT_VARIANT>(a7)}); }
+  HRESULT STDMETHODCALLTYPE FillComboWithSQL(IDispatch* a1, ::ProjectDataSources a2, BSTR a3, BSTR a4, BSTR a5, VARIANT_BOOL a6, VARIANT a7) override { return Method(61, Result{}, {In<VT_DISPATCH>(a1), In<VT_I4>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_BSTR>(a5), In<VT_BOOL>(a6), In<VT_VARIANT>(a7)}); }
   HRESULT STDMETHODCALLTYPE AddRecsToCombo(_Recordset* a1, BSTR a2, BSTR a3, IDispatch* a4) override { return Method(62, Result{}, {In<VT_DISPATCH>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_DISPATCH>(a4)}); }
-  HRESULT STDMETHODCALLTYPE RefreshHierarchicalList(LONG a1, IDispatch* a2, BSTR a3, BSTR a4, BSTR a5, BSTR a6) override { return Method(63, Result{}, {In<VT_I4>(a1), In<VT_DISPATCH>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_BSTR>(a5), In<VT_BSTR>(a6)}); }
+  HRESULT STDMETHODCALLTYPE RefreshHierarchicalList(::ProjectDataSources a1, IDispatch* a2, BSTR a3, BSTR a4, BSTR a5, BSTR a6) override { return Method(63, Result{}, {In<VT_I4>(a1), In<VT_DISPATCH>(a2), In<VT_BSTR>(a3), In<VT_BSTR>(a4), In<VT_BSTR>(a5), In<VT_BSTR>(a6)}); }
   HRESULT STDMETHODCALLTYPE FillComboWithValidDataTypes(IDispatch* a1, LONG a2) override { return Method(64, Result{}, {In<VT_DISPATCH>(a1), In<VT_I4>(a2)}); }
-  HRESULT STDMETHODCALLTYPE GenerateNumericCode(LONG a1, BSTR a2, BSTR a3, VARIANT a4, LONG* r) override { return Method(65, Out<VT_I4>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_VARIANT>(a4)}); }
-  HRESULT STDMETHODCALLTYPE GenerateNumericCodeAsDouble(LONG a1, BSTR a2, BSTR a3, VARIANT a4, double* r) override { return Method(66, Out<VT_R8>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_VARIANT>(a4)}); }
+  HRESULT STDMETHODCALLTYPE GenerateNumericCode(::ProjectDataSources a1, BSTR a2, BSTR a3, VARIANT a4, LONG* r) override { return Method(65, Out<VT_I4>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_VARIANT>(a4)}); }
+  HRESULT STDMETHODCALLTYPE GenerateNumericCodeAsDouble(::ProjectDataSources a1, BSTR a2, BSTR a3, VARIANT a4, double* r) override { return Method(66, Out<VT_R8>(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3), In<VT_VARIANT>(a4)}); }
   HRESULT STDMETHODCALLTYPE UpdateTableMaxID(BSTR a1, LONG a2) override { return Method(67, Result{}, {In<VT_BSTR>(a1), In<VT_I4>(a2)}); }
   HRESULT STDMETHODCALLTYPE GetRegNo(BSTR a1, BSTR a2, BSTR a3, BSTR* r) override { return Method(68, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_BSTR>(a2), In<VT_BSTR>(a3)}); }
-  HRESULT STDMETHODCALLTYPE SafeDeleteRecord(LONG a1, LONG a2, BSTR a3, LONG a4, LONG a5, LONG a6, BSTR a7, BSTR a8, _Recordset** a9, LONG* r) override { return Method(69, Out<VT_I4>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_BSTR>(a7), In<VT_BSTR>(a8), Ref<VT_DISPATCH>(a9)}); }
-  HRESULT STDMETHODCALLTYPE MassSafeDeleteEntries(LONG a1, LONG a2, BSTR a3, LONG a4, LONG a5, LONG a6, BSTR a7, BSTR a8, BSTR a9, VARIANT* a10) override { return Method(70, Result{}, {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_BSTR>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9), OptionalRef(a10)}); }
+  HRESULT STDMETHODCALLTYPE SafeDeleteRecord(::ProjectDataSources a1, LONG a2, BSTR a3, LONG a4, LONG a5, LONG a6, BSTR a7, BSTR a8, _Recordset** a9, LONG* r) override { return Method(69, Out<VT_I4>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_BSTR>(a7), In<VT_BSTR>(a8), Ref<VT_DISPATCH>(a9)}); }
+  HRESULT STDMETHODCALLTYPE MassSafeDeleteEntries(::ProjectDataSources a1, LONG a2, BSTR a3, LONG a4, LONG a5, LONG a6, BSTR a7, BSTR a8, BSTR a9, VARIANT* a10) override { return Method(70, Result{}, {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_BSTR>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_BSTR>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9), OptionalRef(a10)}); }
   HRESULT STDMETHODCALLTYPE GetKeyFieldSQL(VARIANT_BOOL a1, BSTR a2, double a3, double a4, BSTR a5, BSTR a6, BSTR* r) override { return Method(71, Out<VT_BSTR>(r), {In<VT_BOOL>(a1), In<VT_BSTR>(a2), In<VT_R8>(a3), In<VT_R8>(a4), In<VT_BSTR>(a5), In<VT_BSTR>(a6)}); }
   HRESULT STDMETHODCALLTYPE GetShowableRecordClause(BSTR a1, VARIANT_BOOL a2, BSTR* r) override { return Method(72, Out<VT_BSTR>(r), {In<VT_BSTR>(a1), In<VT_BOOL>(a2)}); }
-  HRESULT STDMETHODCALLTYPE PostRecordActionHistory(LONG a1, LONG a2, LONG a3, BSTR a4, LONG a5, LONG a6, LONG a7, BSTR a8, BSTR a9, VARIANT* r) override { return Method(73, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_I4>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9)}); }
-  HRESULT STDMETHODCALLTYPE PostRecordActionHistoryAsDouble(LONG a1, LONG a2, LONG a3, BSTR a4, LONG a5, double a6, double a7, BSTR a8, BSTR a9, VARIANT* r) override { return Method(74, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_R8>(a6), In<VT_R8>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9)}); }
+  HRESULT STDMETHODCALLTYPE PostRecordActionHistory(::ProjectDataSources a1, ::DBRecordActionTypes a2, LONG a3, BSTR a4, LONG a5, LONG a6, LONG a7, BSTR a8, BSTR a9, VARIANT* r) override { return Method(73, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_I4>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9)}); }
+  HRESULT STDMETHODCALLTYPE PostRecordActionHistoryAsDouble(::ProjectDataSources a1, ::DBRecordActionTypes a2, LONG a3, BSTR a4, LONG a5, double a6, double a7, BSTR a8, BSTR a9, VARIANT* r) override { return Method(74, Out<VT_VARIANT>(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_BSTR>(a4), In<VT_I4>(a5), In<VT_R8>(a6), In<VT_R8>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9)}); }
   HRESULT STDMETHODCALLTYPE DoesSampleDataExist(VARIANT_BOOL* r) override { return Method(75, Out<VT_BOOL>(r), {}); }
   HRESULT STDMETHODCALLTYPE DeleteSampleData() override { return Method(76, Result{}, {}); }
 };
@@ -110,8 +110,8 @@ class Dual_InfoLink final : public DualFace<_InfoLink> {
 class Dual_QueryInterpretor final : public DualFace<_QueryInterpretor> {
  public:
   using DualFace::DualFace;
-  HRESULT STDMETHODCALLTYPE get_QueryBuildMethod(LONG* r) override { return Get(1, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_QueryBuildMethod(LONG v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_QueryBuildMethod(::QueryBuildMethods* r) override { return Get(1, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_QueryBuildMethod(::QueryBuildMethods v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_DataSupplier(short* r) override { return Get(2, Out<VT_I2>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_DataSupplier(short v) override { return Put(2, Result{}, {In<VT_I2>(v)}); }
   HRESULT STDMETHODCALLTYPE get_IsSystemData(VARIANT_BOOL* r) override { return Get(3, Out<VT_BOOL>(r), {}); }
@@ -169,8 +169,8 @@ class Dual_QueryShapeNest final : public DualFace<_QueryShapeNest> {
   HRESULT STDMETHODCALLTYPE put_ShapeIndex(short v) override { return Put(2, Result{}, {In<VT_I2>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ParentShapeId(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_ParentShapeId(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_SpecialRecLayout(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_SpecialRecLayout(LONG v) override { return Put(4, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_SpecialRecLayout(::SpecialRecordLayouts* r) override { return Get(4, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_SpecialRecLayout(::SpecialRecordLayouts v) override { return Put(4, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_bUseParentFieldLink(VARIANT_BOOL* r) override { return Get(5, Out<VT_BOOL>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_bUseParentFieldLink(VARIANT_BOOL v) override { return Put(5, Result{}, {In<VT_BOOL>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ParentFieldLinkID(LONG* r) override { return Get(6, Out<VT_I4>(r), {}); }
@@ -275,12 +275,12 @@ class Dual_QueryOutputField final : public DualFace<_QueryOutputField> {
   HRESULT STDMETHODCALLTYPE put_DataFieldID(LONG v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_FieldAlias(BSTR* r) override { return Get(2, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_FieldAlias(BSTR v) override { return Put(2, Result{}, {In<VT_BSTR>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_SpecialField(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_SpecialField(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_SpecialField(::SpecialFields* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_SpecialField(::SpecialFields v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_SpecialFieldAlias(BSTR* r) override { return Get(4, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_SpecialFieldAlias(BSTR v) override { return Put(4, Result{}, {In<VT_BSTR>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_AdvancedFormatting(LONG* r) override { return Get(5, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_AdvancedFormatting(LONG v) override { return Put(5, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_AdvancedFormatting(::AdvFormatting* r) override { return Get(5, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_AdvancedFormatting(::AdvFormatting v) override { return Put(5, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_QueryDataTableID(LONG* r) override { return Get(6, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_QueryDataTableID(LONG v) override { return Put(6, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ID(LONG* r) override { return Get(7, Out<VT_I4>(r), {}); }
@@ -297,7 +297,7 @@ class Dual_QueryOutputField final : public DualFace<_QueryOutputField> {
 class Dual_QueryOutputFields final : public DualFace<_QueryOutputFields> {
  public:
   using DualFace::DualFace;
-  HRESULT STDMETHODCALLTYPE Add(LONG a1, BSTR a2, LONG a3, LONG a4, LONG a5, LONG a6, BSTR a7, BSTR a8, BSTR a9, VARIANT a10, _QueryOutputField** r) override { return Method(1, OutObject(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_I4>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_BSTR>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9), In<VT_VARIANT>(a10)}); }
+  HRESULT STDMETHODCALLTYPE Add(LONG a1, BSTR a2, ::SpecialFields a3, ::AdvFormatting a4, LONG a5, LONG a6, BSTR a7, BSTR a8, BSTR a9, VARIANT a10, _QueryOutputField** r) override { return Method(1, OutObject(r), {In<VT_I4>(a1), In<VT_BSTR>(a2), In<VT_I4>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_I4>(a6), In<VT_BSTR>(a7), In<VT_BSTR>(a8), In<VT_BSTR>(a9), In<VT_VARIANT>(a10)}); }
   HRESULT STDMETHODCALLTYPE get_Item(VARIANT a1, _QueryOutputField** r) override { return Get(0, OutObject(r), {In<VT_VARIANT>(a1)}); }
   HRESULT STDMETHODCALLTYPE get_Count(LONG* r) override { return Get(2, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE Remove(VARIANT a1) override { return Method(3, Result{}, {In<VT_VARIANT>(a1)}); }
@@ -337,8 +337,8 @@ class Dual_ConditionNode final : public DualFace<_ConditionNode> {
   HRESULT STDMETHODCALLTYPE put_ID(LONG v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ChildConditions(_RepParams** r) override { return Get(2, OutObject(r), {}); }
   HRESULT STDMETHODCALLTYPE putref_ChildConditions(_RepParams* v) override { return PutRef(2, Result{}, {In<VT_DISPATCH>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_NodeType(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_NodeType(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_NodeType(::NodeTypes* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_NodeType(::NodeTypes v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_NodeLevel(short* r) override { return Get(4, Out<VT_I2>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_NodeLevel(short v) override { return Put(4, Result{}, {In<VT_I2>(v)}); }
   HRESULT STDMETHODCALLTYPE get_NestedBinding(LONG* r) override { return Get(5, Out<VT_I4>(r), {}); }
@@ -350,7 +350,7 @@ class Dual_ConditionNode final : public DualFace<_ConditionNode> {
 class Dual_ConditionNodes final : public DualFace<_ConditionNodes> {
  public:
   using DualFace::DualFace;
-  HRESULT STDMETHODCALLTYPE Add(LONG a1, short a2, LONG a3, LONG a4, LONG a5, VARIANT a6, _ConditionNode** r) override { return Method(1, OutObject(r), {In<VT_I4>(a1), In<VT_I2>(a2), In<VT_I4>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_VARIANT>(a6)}); }
+  HRESULT STDMETHODCALLTYPE Add(LONG a1, short a2, ::NodeTypes a3, LONG a4, LONG a5, VARIANT a6, _ConditionNode** r) override { return Method(1, OutObject(r), {In<VT_I4>(a1), In<VT_I2>(a2), In<VT_I4>(a3), In<VT_I4>(a4), In<VT_I4>(a5), In<VT_VARIANT>(a6)}); }
   HRESULT STDMETHODCALLTYPE get_Item(VARIANT a1, _ConditionNode** r) override { return Get(0, OutObject(r), {In<VT_VARIANT>(a1)}); }
   HRESULT STDMETHODCALLTYPE get_Count(LONG* r) override { return Get(2, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE Remove(VARIANT a1) override { return Method(3, Result{}, {In<VT_VARIANT>(a1)}); }
@@ -365,8 +365,8 @@ class Dual_RepParam final : public DualFace<_RepParam> {
   HRESULT STDMETHODCALLTYPE put_ConditionID(LONG v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ID(LONG* r) override { return Get(2, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_ID(LONG v) override { return Put(2, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_DataFormat(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_DataFormat(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_DataFormat(::FieldDataTypes* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_DataFormat(::FieldDataTypes v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_SearchLinkID(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_SearchLinkID(LONG v) override { return Put(4, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_HasManyEntries(VARIANT_BOOL* r) override { return Get(5, Out<VT_BOOL>(r), {}); }
@@ -385,8 +385,8 @@ class Dual_RepParam final : public DualFace<_RepParam> {
   HRESULT STDMETHODCALLTYPE put_Value2Description(BSTR v) override { return Put(10, Result{}, {In<VT_BSTR>(v)}); }
   HRESULT STDMETHODCALLTYPE get_Reverse(VARIANT_BOOL* r) override { return Get(11, Out<VT_BOOL>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_Reverse(VARIANT_BOOL v) override { return Put(11, Result{}, {In<VT_BOOL>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_Operator(LONG* r) override { return Get(12, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_Operator(LONG v) override { return Put(12, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Operator(::CompareTypes* r) override { return Get(12, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Operator(::CompareTypes v) override { return Put(12, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_SUBOperator(LONG* r) override { return Get(13, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_SUBOperator(LONG v) override { return Put(13, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_Hidden(VARIANT_BOOL* r) override { return Get(14, Out<VT_BOOL>(r), {}); }
@@ -430,8 +430,8 @@ class Dual_ValueSet final : public DualFace<_ValueSet> {
   HRESULT STDMETHODCALLTYPE get_Value(VARIANT* r) override { return Get(2, Out<VT_VARIANT>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_Value(VARIANT v) override { return Put(2, Result{}, {In<VT_VARIANT>(v)}); }
   HRESULT STDMETHODCALLTYPE putref_Value(VARIANT v) override { return PutRef(2, Result{}, {In<VT_VARIANT>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_ValDataType(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_ValDataType(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_ValDataType(::FieldDataTypes* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_ValDataType(::FieldDataTypes v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_DefaultValue(VARIANT* r) override { return Get(4, Out<VT_VARIANT>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_DefaultValue(VARIANT v) override { return Put(4, Result{}, {In<VT_VARIANT>(v)}); }
   HRESULT STDMETHODCALLTYPE putref_DefaultValue(VARIANT v) override { return PutRef(4, Result{}, {In<VT_VARIANT>(v)}); }
@@ -457,8 +457,8 @@ class Dual_FieldLink final : public DualFace<_FieldLink> {
   HRESULT STDMETHODCALLTYPE put_FieldName(BSTR v) override { return Put(1, Result{}, {In<VT_BSTR>(v)}); }
   HRESULT STDMETHODCALLTYPE get_Caption(BSTR* r) override { return Get(2, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_Caption(BSTR v) override { return Put(2, Result{}, {In<VT_BSTR>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_DataType(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_DataType(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_DataType(::FieldDataTypes* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_DataType(::FieldDataTypes v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_DefaultValue(VARIANT* r) override { return Get(4, Out<VT_VARIANT>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_DefaultValue(VARIANT v) override { return Put(4, Result{}, {In<VT_VARIANT>(v)}); }
   HRESULT STDMETHODCALLTYPE putref_DefaultValue(VARIANT v) override { return PutRef(4, Result{}, {In<VT_VARIANT>(v)}); }
@@ -468,12 +468,12 @@ class Dual_FieldLink final : public DualFace<_FieldLink> {
   HRESULT STDMETHODCALLTYPE put_ControlIndex(short v) override { return Put(6, Result{}, {In<VT_I2>(v)}); }
   HRESULT STDMETHODCALLTYPE get_PolicyFlags(LONG* r) override { return Get(7, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_PolicyFlags(LONG v) override { return Put(7, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_NullAction(LONG* r) override { return Get(8, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_NullAction(LONG v) override { return Put(8, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_NullAction(::NullActions* r) override { return Get(8, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_NullAction(::NullActions v) override { return Put(8, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_FieldID(LONG* r) override { return Get(9, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_FieldID(LONG v) override { return Put(9, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_ControlType(LONG* r) override { return Get(10, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_ControlType(LONG v) override { return Put(10, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_ControlType(::ControlTypes* r) override { return Get(10, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_ControlType(::ControlTypes v) override { return Put(10, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_MaxLength(short* r) override { return Get(11, Out<VT_I2>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_MaxLength(short v) override { return Put(11, Result{}, {In<VT_I2>(v)}); }
   HRESULT STDMETHODCALLTYPE get_FormatStyle(LONG* r) override { return Get(12, Out<VT_I4>(r), {}); }
@@ -497,7 +497,7 @@ class Dual_FieldLink final : public DualFace<_FieldLink> {
 class Dual_FieldLinks final : public DualFace<_FieldLinks> {
  public:
   using DualFace::DualFace;
-  HRESULT STDMETHODCALLTYPE Add(LONG a1, LONG a2, LONG a3, short a4, BSTR a5, VARIANT a6, LONG a7, BSTR a8, VARIANT a9, _FieldLink** r) override { return Method(1, OutObject(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_I2>(a4), In<VT_BSTR>(a5), In<VT_VARIANT>(a6), In<VT_I4>(a7), In<VT_BSTR>(a8), In<VT_VARIANT>(a9)}); }
+  HRESULT STDMETHODCALLTYPE Add(LONG a1, ::NullActions a2, ::ControlTypes a3, short a4, BSTR a5, VARIANT a6, ::FieldDataTypes a7, BSTR a8, VARIANT a9, _FieldLink** r) override { return Method(1, OutObject(r), {In<VT_I4>(a1), In<VT_I4>(a2), In<VT_I4>(a3), In<VT_I2>(a4), In<VT_BSTR>(a5), In<VT_VARIANT>(a6), In<VT_I4>(a7), In<VT_BSTR>(a8), In<VT_VARIANT>(a9)}); }
   HRESULT STDMETHODCALLTYPE get_Item(VARIANT a1, _FieldLink** r) override { return Get(0, OutObject(r), {In<VT_VARIANT>(a1)}); }
   HRESULT STDMETHODCALLTYPE get_Count(LONG* r) override { return Get(2, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE Remove(VARIANT a1) override { return Method(3, Result{}, {In<VT_VARIANT>(a1)}); }
@@ -519,11 +519,11 @@ class Dual_KeyedCollection final : public DualFace<_KeyedCollection> {
 class Dual_Connection final : public DualFace<_Connection> {
  public:
   using DualFace::DualFace;
-  HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG* r) override { return Get(1, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_CursorLocation(::CursorLocationEnum* r) override { return Get(1, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_CursorLocation(::CursorLocationEnum v) override { return Put(1, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE Open(VARIANT a1, VARIANT a2, VARIANT a3, VARIANT a4) override { return Method(2, Result{}, {In<VT_VARIANT>(a1), In<VT_VARIANT>(a2), In<VT_VARIANT>(a3), In<VT_VARIANT>(a4)}); }
   HRESULT STDMETHODCALLTYPE Close() override { return Method(3, Result{}, {}); }
-  HRESULT STDMETHODCALLTYPE get_State(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_State(::ObjectStateEnum* r) override { return Get(4, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_ConnectionString(BSTR* r) override { return Get(5, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_ConnectionString(BSTR v) override { return Put(5, Result{}, {In<VT_BSTR>(v)}); }
   HRESULT STDMETHODCALLTYPE Execute(BSTR a1, VARIANT* a2, VARIANT a3, _Recordset** r) override { return Method(6, OutObject(r), {In<VT_BSTR>(a1), OptionalRef(a2), In<VT_VARIANT>(a3)}); }
@@ -546,7 +546,7 @@ class Dual_Recordset final : public DualFace<_Recordset> {
   HRESULT STDMETHODCALLTYPE get_Fields(_Fields** r) override { return Get(0, OutObject(r), {}); }
   HRESULT STDMETHODCALLTYPE Open(VARIANT a1, VARIANT a2, VARIANT a3, VARIANT a4, VARIANT a5) override { return Method(1, Result{}, {In<VT_VARIANT>(a1), In<VT_VARIANT>(a2), In<VT_VARIANT>(a3), In<VT_VARIANT>(a4), In<VT_VARIANT>(a5)}); }
   HRESULT STDMETHODCALLTYPE Close() override { return Method(2, Result{}, {}); }
-  HRESULT STDMETHODCALLTYPE get_State(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_State(::ObjectStateEnum* r) override { return Get(3, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* r) override { return Get(4, Out<VT_BOOL>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* r) override { return Get(5, Out<VT_BOOL>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_RecordCount(LONG* r) override { return Get(6, Out<VT_I4>(r), {}); }
@@ -567,15 +567,15 @@ class Dual_Recordset final : public DualFace<_Recordset> {
   HRESULT STDMETHODCALLTYPE Delete(VARIANT a1) override { return Method(18, Result{}, {In<VT_VARIANT>(a1)}); }
   HRESULT STDMETHODCALLTYPE CancelUpdate() override { return Method(19, Result{}, {}); }
   HRESULT STDMETHODCALLTYPE Cancel() override { return Method(20, Result{}, {}); }
-  HRESULT STDMETHODCALLTYPE get_EditMode(LONG* r) override { return Get(21, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_EditMode(::EditModeEnum* r) override { return Get(21, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_MaxRecords(LONG* r) override { return Get(22, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_MaxRecords(LONG v) override { return Put(22, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_CursorType(LONG* r) override { return Get(23, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_CursorType(LONG v) override { return Put(23, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_LockType(LONG* r) override { return Get(24, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_LockType(LONG v) override { return Put(24, Result{}, {In<VT_I4>(v)}); }
-  HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG* r) override { return Get(25, Out<VT_I4>(r), {}); }
-  HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG v) override { return Put(25, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_CursorType(::CursorTypeEnum* r) override { return Get(23, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_CursorType(::CursorTypeEnum v) override { return Put(23, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_LockType(::LockTypeEnum* r) override { return Get(24, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_LockType(::LockTypeEnum v) override { return Put(24, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_CursorLocation(::CursorLocationEnum* r) override { return Get(25, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_CursorLocation(::CursorLocationEnum v) override { return Put(25, Result{}, {In<VT_I4>(v)}); }
   HRESULT STDMETHODCALLTYPE get_Source(BSTR* r) override { return Get(26, Out<VT_BSTR>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_Source(BSTR v) override { return Put(26, Result{}, {In<VT_BSTR>(v)}); }
   HRESULT STDMETHODCALLTYPE get_ActiveConnection(_Connection** r) override { return Get(27, OutObject(r), {}); }
@@ -602,7 +602,7 @@ class Dual_Field final : public DualFace<_Field> {
   HRESULT STDMETHODCALLTYPE get_Value(VARIANT* r) override { return Get(0, Out<VT_VARIANT>(r), {}); }
   HRESULT STDMETHODCALLTYPE put_Value(VARIANT v) override { return Put(0, Result{}, {In<VT_VARIANT>(v)}); }
   HRESULT STDMETHODCALLTYPE get_Name(BSTR* r) override { return Get(1, Out<VT_BSTR>(r), {}); }
-  HRESULT STDMETHODCALLTYPE get_Type(LONG* r) override { return Get(2, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE get_Type(::DataTypeEnum* r) override { return Get(2, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_DefinedSize(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_OriginalValue(VARIANT* r) override { return Get(4, Out<VT_VARIANT>(r), {}); }
   HRESULT STDMETHODCALLTYPE get_Status(LONG* r) override { return Get(5, Out<VT_I4>(r), {}); }
