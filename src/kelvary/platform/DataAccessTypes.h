@@ -88,6 +88,7 @@ enum AffectEnum : int32_t {
   adAffectCurrent = 1,
   adAffectGroup = 2,
   adAffectAll = 3,
+  adAffectAllChapters = 4,
 };
 
 enum GetRowsOptionEnum : int32_t {
@@ -202,6 +203,29 @@ enum FieldStatusEnum : int32_t {
   adFieldSchemaViolation = 11,
   adFieldBadStatus = 12,
   adFieldDefault = 13,
+};
+
+// Record status: what Recordset::Status says of the current row under
+// batch updating (bits; a pending change together with what went wrong).
+enum RecordStatusEnum : int32_t {
+  adRecOK = 0,  // written by the last batch
+  adRecNew = 0x1,
+  adRecModified = 0x2,
+  adRecDeleted = 0x4,
+  adRecUnmodified = 0x8,
+  adRecInvalid = 0x10,
+  adRecMultipleChanges = 0x40,
+  adRecPendingChanges = 0x80,
+  adRecCanceled = 0x100,
+  adRecCantRelease = 0x400,
+  adRecConcurrencyViolation = 0x800,  // changed or deleted by someone else since it was read
+  adRecIntegrityViolation = 0x1000,
+  adRecMaxChangesExceeded = 0x2000,
+  adRecObjectOpen = 0x4000,
+  adRecOutOfMemory = 0x8000,
+  adRecPermissionDenied = 0x10000,
+  adRecSchemaViolation = 0x20000,
+  adRecDBDeleted = 0x40000,
 };
 
 }  // namespace kelvary

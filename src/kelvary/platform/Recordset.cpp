@@ -1,10 +1,12 @@
 #include "kelvary/platform/Recordset.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/Transaction.h"
 #include "kelvary/platform/internal/CursorEngine.h"
 #include "kelvary/platform/internal/Session.h"
 #include "kelvary/platform/internal/StatementRunner.h"
@@ -474,11 +476,41 @@ EditModeEnum Recordset::EditMode() const {
   return mode;
 }
 
+void Recordset::UpdateBatch(AffectEnum affect) {
+  // The rows go in one transaction, or in the one the connection has open.
+  std::optional<Transaction> transaction;
+  const std::shared_ptr<Connection> connection = engine_->ActiveConnection();
+  if (engine_->IsOpen() && engine_->InBatch() && engine_->HasPending() &&
+      engine_->Mode() == internal::WriteMode::kBaseTable && connection &&
+      connection->State() == adStateOpen && !connection->in_transaction_) {
+    transaction.emplace(*connection);
+  }
+  const int32_t conflicts = engine_->UpdateBatch(affect, [&] {
+    if (transaction) transaction->Commit();
+  });
+  if (conflicts > 0) {
+    throw Error(kErrRowChanged,
+                "Row cannot be located for updating. Some values may have been changed since it "
+                "was last read. (" +
+                    std::to_string(conflicts) + (conflicts == 1 ? " row" : " rows") +
+                    " changed or deleted by someone else stay pending: Filter "
+                    "adFilterConflictingRecords shows them.)",
+                kSource);
+  }
+}
+void Recordset::CancelBatch(AffectEnum affect) {
+  engine_->CancelBatch(affect);
+}
+int32_t Recordset::Status() const {
+  return engine_->RecordStatus();
+}
+
 bool Recordset::Supports(int32_t options) const {
   if (!engine_->IsOpen()) ThrowClosed();
   int32_t supported = adHoldRecords | adMovePrevious | adBookmark | adApproxPosition | adFind;
   if (engine_->Mode() != internal::WriteMode::kReadOnly)
     supported |= adAddNew | adDelete | adUpdate;
+  if (engine_->InBatch()) supported |= adUpdateBatch;
   return (options & supported) == options;
 }
 

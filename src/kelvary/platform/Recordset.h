@@ -12,6 +12,15 @@
 // row that no longer matches raises Error 3640 and writes nothing. Moving
 // off a changed row commits it. A read-only recordset refuses changes.
 //
+// Batch updating (lock type adLockBatchOptimistic): Update, AddNew+Update
+// and Delete keep the change in memory (Status says adRecModified, adRecNew
+// or adRecDeleted) until UpdateBatch writes the pending rows in one
+// transaction, or CancelBatch takes them back. A row changed or deleted by
+// someone else since it was read is a conflict: it stays pending with
+// adRecConcurrencyViolation in its Status, the other rows are written, and
+// UpdateBatch raises Error 3640 at the end. Any other refusal rolls the
+// whole batch back and leaves every row pending.
+//
 // Find and Filter read criteria with one small parser: comparisons
 // = <> < > <= >= LIKE, 'text' with doubled apostrophes or #text#, #date#,
 // numbers, Null, column names plain or in [brackets], LIKE wildcards * and %
@@ -211,6 +220,23 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   void Cancel();
   // EditMode raises Error 3021 at BOF or EOF, where there is no row to edit.
   EditModeEnum EditMode() const;
+
+  // UpdateBatch writes the pending changes of the rows affect names
+  // (adAffectCurrent, adAffectGroup: those the filter shows, adAffectAll or
+  // adAffectAllChapters: all) in one transaction, or within the
+  // connection's own when one is open; Filter adFilterAffectedRecords then
+  // shows the rows it touched and adFilterConflictingRecords those in
+  // conflict (Error 3640 when there is one). Without batch updating it
+  // commits a pending edit. Error 3251 on a read-only recordset.
+  void UpdateBatch(AffectEnum affect = adAffectAll);
+  // CancelBatch drops the pending changes of the rows affect names (and
+  // an edit in progress): changed rows read as they were read, new rows
+  // go, deleted rows come back.
+  void CancelBatch(AffectEnum affect = adAffectAll);
+  // Status: RecordStatusEnum bits of the current row (Error 3021 without
+  // one): pending changes, what the last UpdateBatch found, adRecOK for a
+  // row it wrote, adRecUnmodified otherwise.
+  int32_t Status() const;
 
   // Supports: what this recordset can do (CursorOptionEnum bits, all of
   // them asked at once).

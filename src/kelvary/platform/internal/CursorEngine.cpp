@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kelvary/platform/Text.h"
+#include "kelvary/platform/internal/BatchChanges.h"
 #include "kelvary/platform/internal/Criteria.h"
 
 namespace kelvary::internal {
@@ -188,6 +189,9 @@ void CursorEngine::Opened(LoadOptions options) {
   changed_.assign(width_, false);
   status_.assign(width_, adFieldOK);
   index_.reset();
+  batch_ = lock_type_ == adLockBatchOptimistic && write_mode_ != WriteMode::kReadOnly
+               ? std::make_unique<BatchChanges>()
+               : nullptr;
   open_ = true;
   ResetPosition();
 }
@@ -225,6 +229,7 @@ void CursorEngine::Close() {
   originals_.clear();
   writer_.reset();
   index_.reset();
+  batch_.reset();  // pending batch changes are lost with the rows
   width_ = 0;
   pos_ = 0;
 }
@@ -571,12 +576,21 @@ void CursorEngine::FilterGroup(FilterGroupEnum group) {
                 "conflict with one another. (No such filter group.)",
                 kSource);
   }
-  // Changes are written as they are made: no row waits to be sent, was left
-  // by a batch, or conflicts with one, so these views are empty.
+  // Without batch updating changes are written as they are made: no row
+  // waits to be sent, was left by a batch, or conflicts with one.
   CommitPending();
   filter_criteria_.reset();
   filter_.clear();
   chosen_.assign(StoredRowCount(), 0);
+  if (batch_) {
+    for (size_t row = 0; row < chosen_.size(); ++row) {
+      const auto id = static_cast<uint32_t>(row);
+      const bool in = group == adFilterPendingRecords    ? batch_->Find(id) != nullptr
+                      : group == adFilterAffectedRecords ? batch_->Affected(id)
+                                                         : batch_->Conflicting(id);
+      if (in) chosen_[row] = kChosenWithDeleted;
+    }
+  }
   RebuildOrder(nullptr);
   ResetPosition();
 }
@@ -630,6 +644,7 @@ void CursorEngine::CloneFrom(const CursorEngine& other, bool read_only) {
       read_only ? WriteMode::kReadOnly : other.write_mode_, read_only ? nullptr : other.writer_});
   max_records_ = other.max_records_;
   deleted_ = other.deleted_;
+  if (batch_ && other.batch_) *batch_ = *other.batch_;
   family_ = other.family_;
   RebuildOrder(nullptr);
   ResetPosition();
@@ -639,8 +654,8 @@ void CursorEngine::RebuildOrder(const Criteria* criteria) {
   order_.clear();
   const size_t count = StoredRowCount();
   for (size_t row = 0; row < count; ++row) {
-    if (deleted_[row]) continue;
-    if (!chosen_.empty() && (row >= chosen_.size() || !chosen_[row])) continue;
+    const uint8_t chosen = chosen_.empty() ? 1 : row < chosen_.size() ? chosen_[row] : 0;
+    if (chosen == 0 || (deleted_[row] && chosen != kChosenWithDeleted)) continue;
     if (criteria && !criteria->Matches(StoredRow(row))) continue;
     order_.push_back(static_cast<uint32_t>(row));
   }
@@ -700,6 +715,11 @@ int32_t CursorEngine::ResolveColumn(std::string_view name) const {
 Variant CursorEngine::OriginalValue(int32_t ordinal) const {
   RequireOpen();
   const uint32_t row = CurrentRow();
+  if (const BatchChanges::Pending* pending = batch_ ? batch_->Find(row) : nullptr) {
+    // As read, until the batch is sent.
+    if (pending->kind == BatchChanges::Kind::kNew) return Variant::Null();
+    return pending->originals[static_cast<size_t>(ordinal)];
+  }
   if (edit_mode_ != adEditNone && row == edit_row_) return originals_[static_cast<size_t>(ordinal)];
   return StoredRow(row)[ordinal];
 }
@@ -722,6 +742,7 @@ void CursorEngine::SetValue(int32_t ordinal, const Variant& value) {
   RequireOpen();
   const uint32_t row = CurrentRow();
   RequireWritable();
+  if (deleted_[row]) ThrowNoCurrentRecord();  // a deleted row a batch filter shows
   const ColumnInfo& column = columns_[static_cast<size_t>(ordinal)];
   if (column.type == adChapter) {
     throw Error(kErrOperationNotSupported,
@@ -797,7 +818,13 @@ void CursorEngine::AddNew() {
 void CursorEngine::Update() {
   RequireOpen();
   if (edit_mode_ == adEditNone) return;
-  if (writer_) {
+  if (batch_) {  // kept until UpdateBatch
+    if (edit_mode_ == adEditAdd) {
+      batch_->Added(edit_row_, changed_);
+    } else {
+      batch_->Edited(edit_row_, originals_, changed_);
+    }
+  } else if (writer_) {
     Variant* row = cells_.data() + size_t{edit_row_} * width_;
     if (edit_mode_ == adEditAdd) {
       writer_->Insert(RowChange{columns_, row, nullptr, changed_, status_}, row);
@@ -832,13 +859,19 @@ void CursorEngine::Delete() {
   RequireOpen();
   const uint32_t row = CurrentRow();
   RequireWritable();
-  if (edit_mode_ == adEditAdd) {  // deleting a row not yet added drops it
+  if (deleted_[row]) ThrowNoCurrentRecord();  // a deleted row a batch filter shows
+  if (edit_mode_ == adEditAdd) {              // deleting a row not yet added drops it
     CancelUpdate();
     return;
   }
   if (edit_mode_ == adEditInProgress) CancelUpdate();
-  if (writer_) writer_->Delete(RowChange{columns_, StoredRow(row), nullptr, changed_, status_});
+  if (batch_) {
+    batch_->Deleted(row, StoredRow(row), width_);
+  } else if (writer_) {
+    writer_->Delete(RowChange{columns_, StoredRow(row), nullptr, changed_, status_});
+  }
   deleted_[row] = 1;
+  deleted_row_ = row;
   order_.erase(order_.begin() + pos_);
   on_deleted_ = true;
   ResetStatus();

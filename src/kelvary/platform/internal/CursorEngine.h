@@ -40,6 +40,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -59,6 +60,7 @@ class Connection;
 
 namespace kelvary::internal {
 
+class BatchChanges;
 class Criteria;
 
 // WriteMode: where the changes of a recordset go.
@@ -167,9 +169,11 @@ class CursorEngine {
   // no filter or sort. REQUIRES: closed, other open.
   void CloneFrom(const CursorEngine& other, bool read_only);
   // FilterGroup: adFilterNone and adFilterFetchedRecords show every row;
-  // the other groups name rows of batch updating, which changes written at
-  // once never leave, so they show none. FilterBookmarks shows the rows
-  // the bookmarks name (Error 3001 for one that names no visible row).
+  // the other groups name rows of batch updating (pending, touched by the
+  // last batch call, refused by it), deleted ones included; changes
+  // written at once never leave such rows, so there they show none.
+  // FilterBookmarks shows the rows the bookmarks name (Error 3001 for one
+  // that names no visible row).
   void FilterGroup(FilterGroupEnum group);
   void FilterBookmarks(const std::vector<Variant>& bookmarks);
 
@@ -212,6 +216,30 @@ class CursorEngine {
   void Delete();
   void CancelUpdate();
   EditModeEnum EditMode() const;
+
+  // Batch updating (lock type adLockBatchOptimistic on a recordset that can
+  // change rows): Update and Delete keep the change in memory, the row's
+  // RecordStatus says which, and the calls below send or drop them
+  // (BatchChanges.h keeps the books). Without it, changes are written as
+  // they are made and these calls only settle a pending edit.
+  bool InBatch() const { return batch_ != nullptr; }
+  // HasPending: whether a change waits to be sent, an edit in progress
+  // counting (it joins the batch first).
+  bool HasPending() const;
+  // RecordStatus: RecordStatusEnum of the current row (the deleted row,
+  // right after a Delete).
+  int32_t RecordStatus() const;
+  // UpdateBatch sends the pending rows affect names (adAffectCurrent, the
+  // rows the filter shows, or all) through the writer, row by row; a row
+  // changed or deleted by someone else since it was read is refused with a
+  // conflict and stays pending, and the others go on. commit is called once
+  // the last row is written (the caller's transaction): when it or a write
+  // fails otherwise, the rows are left as they were and the Error reaches
+  // the caller. Returns the number of rows in conflict.
+  int32_t UpdateBatch(AffectEnum affect, const std::function<void()>& commit);
+  // CancelBatch restores the pending rows affect names as they were read:
+  // a new row goes, a deleted one comes back.
+  void CancelBatch(AffectEnum affect);
 
   // Rows in storage order, for the shaping layer and tests: the number of
   // rows held (deleted ones included) and a row's cells.
@@ -265,6 +293,15 @@ class CursorEngine {
   void BeginEdit(uint32_t row);
   void EndEdit();
   void RebuildOrder(const Criteria* criteria);
+  // BatchRows: the pending rows affect names, in ascending row id.
+  std::vector<uint32_t> BatchRows(AffectEnum affect) const;
+  // KeepPositionAfter: after the rows changed under it, the cursor stays on
+  // the row it was on when that row is still visible.
+  void KeepPositionAfter(ptrdiff_t row);
+  Variant* OwnedRow(uint32_t row) {
+    OwnRows();
+    return cells_.data() + size_t{row} * width_;
+  }
   void ChangedRows();  // drops the caches that depend on cell values or order
   // OwnRows: before a row changes, rows held in a shared store are copied
   // into cells_ (row ids, and so bookmarks, stay as they are).
@@ -308,7 +345,10 @@ class CursorEngine {
   // Bookmarks carry the number of the rows they were taken from, which
   // clones share, so that one recordset's bookmark is refused by another.
   uint32_t family_ = 0;
-  std::vector<uint8_t> chosen_;  // per row id, for a filter of bookmarks; empty: all
+  // Per row id, for a filter of bookmarks or a group; empty: all. A group
+  // of batch updating shows deleted rows too (kChosenWithDeleted).
+  std::vector<uint8_t> chosen_;
+  static constexpr uint8_t kChosenWithDeleted = 2;
 
   // Position: an index into order_; -1 is BOF, order_.size() is EOF. After a
   // Delete the deleted row stays current (on_deleted_) and pos_ names the
@@ -323,6 +363,9 @@ class CursorEngine {
   std::vector<bool> changed_;
   std::vector<int32_t> status_;
   ptrdiff_t pos_before_add_ = 0;
+  uint32_t deleted_row_ = 0;  // the row a Delete left current (on_deleted_)
+
+  std::unique_ptr<BatchChanges> batch_;  // batch updating; null otherwise
 
   std::unique_ptr<EqualityIndex> index_;
 };
