@@ -149,7 +149,7 @@ TEST_P(RecordsetMembers, SupportsSaysWhatTheRecordsetCanDo) {
     EXPECT_FALSE(read_only->Supports(option)) << option;
     EXPECT_TRUE(writable->Supports(option)) << option;
   }
-  for (int32_t option : {adUpdateBatch, adSeek, adIndex, adResync, adNotify}) {
+  for (int32_t option : {adUpdateBatch, adResync, adNotify}) {
     EXPECT_FALSE(writable->Supports(option)) << option;
   }
   writable->Close();
@@ -283,6 +283,67 @@ TEST(InMemoryRecordset, AppendedFieldsOpenWithoutAConnection) {
   read_only.AppendField("ID", adInteger);
   read_only.Open();
   EXPECT_EQ(ErrorOf([&] { read_only.AddNew(); }).Number(), kErrOperationNotSupported);
+}
+
+TEST_P(RecordsetMembers, SeekFindsByAKeyFieldInTheOrderOfItsValues) {
+  auto rs = Open("SELECT ID, LastName FROM patients ORDER BY LastName");
+  EXPECT_TRUE(rs->Supports(adIndex | adSeek));
+  EXPECT_EQ(ErrorOf([&] { rs->Seek({Variant(int32_t{4})}); }).Number(), kErrOperationNotSupported);
+  for (const char* not_an_index : {"LastName", "Nope"}) {
+    EXPECT_EQ(ErrorOf([&] { rs->Index(not_an_index); }).Number(), kErrItemNotFound);
+  }
+  rs->Index("id");
+  struct Case {
+    Variant key;
+    SeekEnum option;
+    const char* lands_on;  // the ID, or "EOF"
+  };
+  const Case cases[] = {
+      {Variant(int32_t{4}), adSeekFirstEQ, "4"},    {Variant("4"), adSeekLastEQ, "4"},
+      {Variant(int32_t{4}), adSeekAfter, "5"},      {Variant(4.5), adSeekAfterEQ, "5"},
+      {Variant(int32_t{4}), adSeekBefore, "3"},     {Variant(4.5), adSeekBeforeEQ, "4"},
+      {Variant(int32_t{99}), adSeekFirstEQ, "EOF"}, {Variant(int32_t{6}), adSeekAfter, "EOF"},
+      {Variant(int32_t{1}), adSeekBefore, "EOF"},
+  };
+  for (const Case& c : cases) {
+    rs->Seek({c.key}, c.option);
+    EXPECT_EQ(rs->Eof() ? "EOF" : CStr(rs->Fields("ID").Value()), c.lands_on)
+        << CStr(c.key) << " " << c.option;
+  }
+  rs->Filter("ID <> 5");  // Seek sees the rows the filter shows
+  rs->Seek({Variant(int32_t{5})}, adSeekAfterEQ);
+  EXPECT_EQ(CLng(rs->Fields("ID").Value()), 6);
+  EXPECT_EQ(ErrorOf([&] {
+              rs->Seek({Variant(int32_t{1}), Variant(int32_t{2})});
+            }).Number(),
+            kErrInvalidArgument);
+  EXPECT_EQ(ErrorOf([&] { rs->Seek({Variant(int32_t{1})}, static_cast<SeekEnum>(3)); }).Number(),
+            kErrInvalidArgument);
+
+  // Rows holding the same key value keep the order shown: the first of them
+  // or the last.
+  Recordset memory;
+  memory.AppendField("Code", adInteger, 0, adFldKeyColumn);
+  memory.AppendField("Name", adVarWChar, 10);
+  memory.LockType(adLockOptimistic);
+  memory.Open();
+  for (auto [code, name] : {std::pair{2, "a"}, {1, "b"}, {2, "c"}, {3, "d"}}) {
+    memory.AddNew({"Code", "Name"}, {Variant(int32_t{code}), Variant(name)});
+  }
+  memory.Index("Code");
+  const std::pair<SeekEnum, const char*> ties[] = {
+      {adSeekFirstEQ, "a"}, {adSeekLastEQ, "c"}, {adSeekBeforeEQ, "c"}, {adSeekAfterEQ, "a"}};
+  for (auto [option, name] : ties) {
+    memory.Seek({Variant(int32_t{2})}, option);
+    EXPECT_EQ(CStr(memory.Fields("Name").Value()), name) << option;
+  }
+  memory.Seek({Variant(int32_t{3})}, adSeekBefore);
+  EXPECT_EQ(CStr(memory.Fields("Name").Value()), "c");
+
+  auto no_key = Open("SELECT LastName, Balance * 2 AS Twice FROM patients");
+  EXPECT_FALSE(no_key->Supports(adIndex));
+  EXPECT_FALSE(no_key->Supports(adSeek));
+  EXPECT_EQ(ErrorOf([&] { no_key->Seek({Variant("Smith")}); }).Number(), kErrOperationNotSupported);
 }
 
 }  // namespace

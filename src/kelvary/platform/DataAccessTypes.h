@@ -91,6 +91,18 @@ enum AffectEnum : int32_t {
   adAffectAllChapters = 4,
 };
 
+// How Seek matches the key: the first or last row equal to it, or the
+// first row after it (or equal), or the last before it (or equal), in the
+// order of the index.
+enum SeekEnum : int32_t {
+  adSeekFirstEQ = 1,
+  adSeekLastEQ = 2,
+  adSeekAfterEQ = 4,
+  adSeekAfter = 8,
+  adSeekBeforeEQ = 16,
+  adSeekBefore = 32,
+};
+
 enum GetRowsOptionEnum : int32_t {
   adGetRowsRest = -1,
 };

@@ -476,6 +476,37 @@ EditModeEnum Recordset::EditMode() const {
   return mode;
 }
 
+void Recordset::Index(const std::string& index) {
+  if (engine_->IsOpen() && !index.empty()) {
+    const int32_t ordinal = engine_->OrdinalOf(index);  // an unknown name raises 3265
+    if (!engine_->Column(ordinal).key) {
+      throw Error(kErrItemNotFound,
+                  "Item cannot be found in the collection corresponding to the requested name or "
+                  "ordinal. (No index \"" +
+                      index + "\": an index is a field of the table's key.)",
+                  kSource);
+    }
+  }
+  index_ = index;
+}
+void Recordset::Seek(const std::vector<Variant>& key_values, SeekEnum option) {
+  if (!engine_->IsOpen()) ThrowClosed();
+  if (index_.empty() || !engine_->HasKey()) {
+    throw Error(kErrOperationNotSupported,
+                "Current provider does not support the necessary interface for Index "
+                "functionality. (Set Index to a key field first.)",
+                kSource);
+  }
+  if (key_values.size() != 1) ThrowInvalidArgument("Seek takes one key value.");
+  if (option != adSeekFirstEQ && option != adSeekLastEQ && option != adSeekAfterEQ &&
+      option != adSeekAfter && option != adSeekBeforeEQ && option != adSeekBefore) {
+    ThrowInvalidArgument("The seek option is none of the SeekEnum values.");
+  }
+  const int32_t ordinal = engine_->OrdinalOf(index_);
+  if (!engine_->Column(ordinal).key) Index(index_);  // raises: no longer a key field
+  engine_->Seek(ordinal, key_values.front(), option);
+}
+
 void Recordset::UpdateBatch(AffectEnum affect) {
   // The rows go in one transaction, or in the one the connection has open.
   std::optional<Transaction> transaction;
@@ -511,6 +542,7 @@ bool Recordset::Supports(int32_t options) const {
   if (engine_->Mode() != internal::WriteMode::kReadOnly)
     supported |= adAddNew | adDelete | adUpdate;
   if (engine_->InBatch()) supported |= adUpdateBatch;
+  if (engine_->HasKey()) supported |= adIndex | adSeek;
   return (options & supported) == options;
 }
 

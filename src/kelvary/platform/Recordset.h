@@ -171,6 +171,17 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   void Filter(FilterGroupEnum group);
   void Filter(const std::vector<Variant>& bookmarks);
 
+  // Index: the key field Seek searches by ("" for none). Set on an open
+  // recordset it must name a field that is part of its table's key (Error
+  // 3265 otherwise); Supports(adIndex | adSeek) says whether there is one.
+  const std::string& Index() const { return index_; }
+  void Index(const std::string& index);
+  // Seek moves to the row whose Index field matches key_values (one value)
+  // as option says, or to EOF when none does; the order of the rows shown
+  // stays as it is. Error 3251 without an Index, 3001 for anything but one
+  // value or a SeekEnum option.
+  void Seek(const std::vector<Variant>& key_values, SeekEnum option = adSeekFirstEQ);
+
   // Sort: "column [ASC|DESC], ..." orders the rows; "" gives the order the
   // statement returned back. Filter and Find follow the sort; setting it
   // moves to the first row. An unknown column raises Error 3265.
@@ -319,6 +330,7 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
   };
   std::vector<AppendedField> appended_;  // AppendField, for a recordset made in memory
   std::string pending_filter_;           // a Filter set while closed
+  std::string index_;                    // the key field Seek searches by
 };
 
 }  // namespace kelvary

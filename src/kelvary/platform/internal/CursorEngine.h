@@ -160,6 +160,12 @@ class CursorEngine {
             const Variant& start);
   const std::string& Filter() const { return filter_; }
   void Filter(const std::string& criteria);
+  // HasKey: whether a field is part of its table's key, which is what an
+  // index of Seek may name. Seek moves to the visible row whose value in
+  // column matches key as option says, in the order of that column's values
+  // (rows holding the same value in the order shown); to EOF when none does.
+  bool HasKey() const;
+  void Seek(int32_t column, const Variant& key, SeekEnum option);
   // Sort: "column [ASC|DESC], ..." orders the visible rows (Filter and Find
   // follow it; "" gives the stored order back). Moves to the first row.
   const std::string& Sort() const { return sort_text_; }
