@@ -51,6 +51,9 @@ const std::vector<ClassEntry>& Entries() {
       Listed<internal::RecordsetField>(),
       Listed<internal::ConnectionErrors>(),
       Listed<internal::ConnectionError>(),
+      Creatable<Command>(),
+      Creatable<Parameter>(),
+      Listed<internal::CommandParameters>(),
   };
   return entries;
 }
@@ -110,7 +113,8 @@ Variant ToHost(const Variant& v) {
       WrapAs<ConditionNodes>(object, out) || WrapAs<RepParam>(object, out) ||
       WrapAs<RepParams>(object, out) || WrapAs<ValueSet>(object, out) ||
       WrapAs<ValueSets>(object, out) || WrapAs<FieldLink>(object, out) ||
-      WrapAs<FieldLinks>(object, out)) {
+      WrapAs<FieldLinks>(object, out) || WrapAs<Command>(object, out) ||
+      WrapAs<Parameter>(object, out)) {
     return out;
   }
   return v;

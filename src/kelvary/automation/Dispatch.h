@@ -181,4 +181,20 @@ class Enumerator : public Object {
   size_t next_ = 0;
 };
 
+// ValueArray: a two-dimensional array of values as a host receives one
+// (GetRows: the first index is the field, the second the row, both from 0).
+class ValueArray : public Object {
+ public:
+  explicit ValueArray(std::vector<std::vector<Variant>> items) : items_(std::move(items)) {}
+  // Extent: how many indexes dimension (0 or 1) has.
+  size_t Extent(int dimension) const {
+    if (dimension == 0) return items_.size();
+    return items_.empty() ? 0 : items_.front().size();
+  }
+  const Variant& At(size_t first, size_t second) const { return items_[first][second]; }
+
+ private:
+  std::vector<std::vector<Variant>> items_;
+};
+
 }  // namespace kelvary::automation

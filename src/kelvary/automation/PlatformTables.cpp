@@ -14,6 +14,7 @@
 namespace kelvary::automation {
 
 using internal::ClassBuilder;
+using internal::CommandParameters;
 using internal::ConnectionError;
 using internal::ConnectionErrors;
 using internal::RecordsetField;
@@ -230,6 +231,169 @@ const MemberTable& ClassTraits<Recordset>::Table() {
                                    RowDelimeter.value_or("\r"), NullExpr.value_or(""));
              },
              {"StringFormat", "NumRows", "ColumnDelimeter", "RowDelimeter", "NullExpr"});
+    b.Method("UpdateBatch",
+             +[](C& rs, std::optional<int32_t> AffectRecords) {
+               rs.UpdateBatch(static_cast<AffectEnum>(AffectRecords.value_or(adAffectAll)));
+             },
+             {"AffectRecords"});
+    b.Method("CancelBatch",
+             +[](C& rs, std::optional<int32_t> AffectRecords) {
+               rs.CancelBatch(static_cast<AffectEnum>(AffectRecords.value_or(adAffectAll)));
+             },
+             {"AffectRecords"});
+    b.Getter("Status", &C::Status);
+    // GetRows: a two-dimensional array, [field, row]; Fields names one field
+    // (a list of them needs an array, which a host's call does not bring).
+    b.Method("GetRows",
+             +[](C& rs, std::optional<int32_t> Rows, std::optional<Variant> Start,
+                 std::optional<Variant> Fields) {
+               std::vector<std::string> names;
+               if (Fields && !ValueOf(*Fields).IsEmpty()) names.push_back(CStr(ValueOf(*Fields)));
+               return Variant(std::make_shared<ValueArray>(rs.GetRows(
+                   Rows.value_or(adGetRowsRest), ValueOf(Start.value_or(Variant())), names)));
+             },
+             {"Rows", "Start", "Fields"});
+    b.Property(
+        "Index", +[](C& rs) { return rs.Index(); }, +[](C& rs, std::string v) { rs.Index(v); });
+    // Seek takes the one key value an index of one field needs.
+    b.Method("Seek",
+             +[](C& rs, Variant KeyValues, std::optional<int32_t> SeekOption) {
+               rs.Seek({ValueOf(KeyValues)},
+                       static_cast<SeekEnum>(SeekOption.value_or(adSeekFirstEQ)));
+             },
+             {"KeyValues", "SeekOption"});
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<Command>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Command",
+        {"{671CD239-7123-58B1-B056-B7CC81C6B0DD}", "{59361D33-7EB8-5222-8B04-0A8FDBFDB409}", ""},
+        true, "A statement with parameters, run on a connection");
+    ClassBuilder<Command> b(t);
+    using C = Command;
+    b.Property(
+        "ActiveConnection", +[](C& c) { return c.ActiveConnection(); },
+        +[](C& c, const Variant& v) { c.ActiveConnection(ConnectionArg(v)); });
+    b.Property(
+        "CommandText", +[](C& c) { return c.CommandText(); },
+        +[](C& c, std::string v) { c.CommandText(v); });
+    b.Property(
+        "CommandType", +[](C& c) { return c.CommandType(); },
+        +[](C& c, int32_t v) { c.CommandType(v); });
+    b.Property(
+        "CommandTimeout", +[](C& c) { return c.CommandTimeout(); },
+        +[](C& c, int32_t v) { c.CommandTimeout(v); });
+    b.Property(
+        "Prepared", +[](C& c) { return c.Prepared(); }, +[](C& c, bool v) { c.Prepared(v); });
+    b.Getter(
+        "Parameters",
+        +[](C& c) {
+          return std::make_shared<CommandParameters>(CommandParameters{c.shared_from_this()});
+        },
+        {}, kDispIdValue);
+    b.Method("CreateParameter",
+             +[](C&, std::optional<std::string> Name, std::optional<DataTypeEnum> Type,
+                 std::optional<int32_t> Direction, std::optional<int32_t> Size,
+                 std::optional<Variant> Value) {
+               return Command::CreateParameter(
+                   Name.value_or(""), Type.value_or(adEmpty),
+                   static_cast<ParameterDirectionEnum>(Direction.value_or(adParamInput)),
+                   Size.value_or(0), ValueOf(Value.value_or(Variant())));
+             },
+             {"Name", "Type", "Direction", "Size", "Value"});
+    // Execute: Parameters, when given, is the value of the one marker (a
+    // list of values needs an array); otherwise the Parameters' values go.
+    b.Method("Execute",
+             +[](C& c, int32_t* RecordsAffected, std::optional<Variant> Parameters,
+                 std::optional<int32_t> Options) {
+               std::vector<Variant> values;
+               if (Parameters && !ValueOf(*Parameters).IsEmpty()) {
+                 values.push_back(ValueOf(*Parameters));
+               }
+               int32_t affected = 0;
+               auto rs = c.Execute(affected, values, Options.value_or(adCmdUnspecified));
+               if (RecordsAffected != nullptr) *RecordsAffected = affected;
+               return rs;
+             },
+             {"RecordsAffected", "Parameters", "Options"});
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<Parameter>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Parameter",
+        {"{AC3C9320-42AA-5B22-A66A-4E0A647ADFFD}", "{50AF4951-B10E-59BA-8A19-AC1996BDD6E3}", ""},
+        true, "One parameter of a command");
+    ClassBuilder<Parameter> b(t);
+    using C = Parameter;
+    b.Property(
+        "Value", +[](C& p) { return p.Value(); }, +[](C& p, Variant v) { p.Value(ValueOf(v)); },
+        kDispIdValue);
+    b.Property(
+        "Name", +[](C& p) { return p.Name(); }, +[](C& p, std::string v) { p.Name(v); });
+    b.Property(
+        "Type", +[](C& p) { return p.Type(); }, +[](C& p, DataTypeEnum v) { p.Type(v); });
+    b.Property(
+        "Direction", +[](C& p) { return static_cast<int32_t>(p.Direction()); },
+        +[](C& p, int32_t v) { p.Direction(static_cast<ParameterDirectionEnum>(v)); });
+    b.Property(
+        "Size", +[](C& p) { return p.Size(); }, +[](C& p, int32_t v) { p.Size(v); });
+    return t;
+  }();
+  return table;
+}
+
+const MemberTable& ClassTraits<CommandParameters>::Table() {
+  static const MemberTable table = [] {
+    MemberTable t(
+        "Parameters",
+        {"{518610B9-29CD-5CF3-AF15-D3832E85D5C1}", "{7E4DC84F-A966-5605-A7F0-21813FFAB5D2}", ""},
+        false, "The parameters of a command, in the order of its markers");
+    ClassBuilder<CommandParameters> b(t);
+    using C = CommandParameters;
+    b.Getter(
+        "Item",
+        +[](C& p, const Variant& Index) {
+          const Variant index = ValueOf(Index);
+          if (index.IsString()) return p.command->Parameters().Item(index.Text());
+          return p.command->Parameters().Item(CLng(index));
+        },
+        {"Index"}, kDispIdValue);
+    b.Getter(
+        "Count", +[](C& p) { return p.command->Parameters().Count(); });
+    b.Method("Append",
+             +[](C& p, std::shared_ptr<Parameter> Object) {
+               p.command->Parameters().Append(std::move(Object));
+             },
+             {"Object"});
+    b.Method("Delete",
+             +[](C& p, const Variant& Index) {
+               const Variant index = ValueOf(Index);
+               if (index.IsString()) return p.command->Parameters().Delete(index.Text());
+               p.command->Parameters().Delete(CLng(index));
+             },
+             {"Index"});
+    b.Method(
+        "Refresh", +[](C& p) { p.command->Parameters().Refresh(); });
+    b.Getter(
+        "NewEnum",
+        +[](C& p) {
+          std::vector<Variant> items;
+          const Parameters& parameters = p.command->Parameters();
+          for (int32_t i = 0; i < parameters.Count(); ++i) {
+            items.push_back(
+                internal::Converter<std::shared_ptr<Parameter>>::Write(parameters.Item(i)));
+          }
+          return std::make_shared<Enumerator>(std::move(items));
+        },
+        {}, kDispIdNewEnum);
     return t;
   }();
   return table;

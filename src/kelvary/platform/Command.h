@@ -88,7 +88,7 @@ class Parameters {
   std::vector<std::shared_ptr<Parameter>> items_;
 };
 
-class Command : public Object {
+class Command : public Object, public std::enable_shared_from_this<Command> {
  public:
   std::shared_ptr<Connection> ActiveConnection() const { return connection_; }
   void ActiveConnection(std::shared_ptr<Connection> connection) {

@@ -187,6 +187,32 @@ void ToVariant(const Variant& value, VARIANT* out) {
     V_UNKNOWN(out) = MakeEnumerator(std::move(items));
     return;
   }
+  if (auto array = std::dynamic_pointer_cast<automation::ValueArray>(object)) {
+    // A two-dimensional array of VARIANTs; the first index varies fastest.
+    const size_t first = array->Extent(0), second = array->Extent(1);
+    SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(first), 0}, {static_cast<ULONG>(second), 0}};
+    SAFEARRAY* items = SafeArrayCreate(VT_VARIANT, 2, bounds);
+    VARIANT* cells = nullptr;
+    if (items == nullptr || FAILED(SafeArrayAccessData(items, reinterpret_cast<void**>(&cells)))) {
+      if (items != nullptr) SafeArrayDestroy(items);
+      throw automation::AutomationError(automation::DispatchFailure::kException, 7,
+                                        "Out of memory");
+    }
+    try {
+      for (size_t j = 0; j < second; ++j) {
+        for (size_t i = 0; i < first; ++i)
+          ToVariant(array->At(i, j), &cells[i + j * first]);
+      }
+    } catch (...) {
+      SafeArrayUnaccessData(items);
+      SafeArrayDestroy(items);
+      throw;
+    }
+    SafeArrayUnaccessData(items);
+    V_VT(out) = VT_ARRAY | VT_VARIANT;
+    V_ARRAY(out) = items;
+    return;
+  }
   if (auto host = std::dynamic_pointer_cast<HostObject>(object)) {
     V_VT(out) = VT_DISPATCH;
     V_DISPATCH(out) = host->Dispatch();

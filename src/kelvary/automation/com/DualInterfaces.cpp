@@ -586,6 +586,13 @@ class Dual_Recordset final : public DualFace<_Recordset> {
   HRESULT STDMETHODCALLTYPE Clone(VARIANT a1, _Recordset** r) override { return Method(30, OutObject(r), {In<VT_VARIANT>(a1)}); }
   HRESULT STDMETHODCALLTYPE Supports(LONG a1, VARIANT_BOOL* r) override { return Method(31, Out<VT_BOOL>(r), {In<VT_I4>(a1)}); }
   HRESULT STDMETHODCALLTYPE GetString(VARIANT a1, VARIANT a2, VARIANT a3, VARIANT a4, VARIANT a5, BSTR* r) override { return Method(32, Out<VT_BSTR>(r), {In<VT_VARIANT>(a1), In<VT_VARIANT>(a2), In<VT_VARIANT>(a3), In<VT_VARIANT>(a4), In<VT_VARIANT>(a5)}); }
+  HRESULT STDMETHODCALLTYPE UpdateBatch(VARIANT a1) override { return Method(33, Result{}, {In<VT_VARIANT>(a1)}); }
+  HRESULT STDMETHODCALLTYPE CancelBatch(VARIANT a1) override { return Method(34, Result{}, {In<VT_VARIANT>(a1)}); }
+  HRESULT STDMETHODCALLTYPE get_Status(LONG* r) override { return Get(35, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE GetRows(VARIANT a1, VARIANT a2, VARIANT a3, VARIANT* r) override { return Method(36, Out<VT_VARIANT>(r), {In<VT_VARIANT>(a1), In<VT_VARIANT>(a2), In<VT_VARIANT>(a3)}); }
+  HRESULT STDMETHODCALLTYPE get_Index(BSTR* r) override { return Get(37, Out<VT_BSTR>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Index(BSTR v) override { return Put(37, Result{}, {In<VT_BSTR>(v)}); }
+  HRESULT STDMETHODCALLTYPE Seek(VARIANT a1, VARIANT a2) override { return Method(38, Result{}, {In<VT_VARIANT>(a1), In<VT_VARIANT>(a2)}); }
 };
 
 class Dual_Fields final : public DualFace<_Fields> {
@@ -630,6 +637,50 @@ class Dual_Error final : public DualFace<_Error> {
   HRESULT STDMETHODCALLTYPE get_NativeError(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
 };
 
+class Dual_Command final : public DualFace<_Command> {
+ public:
+  using DualFace::DualFace;
+  HRESULT STDMETHODCALLTYPE get_ActiveConnection(_Connection** r) override { return Get(1, OutObject(r), {}); }
+  HRESULT STDMETHODCALLTYPE putref_ActiveConnection(_Connection* v) override { return PutRef(1, Result{}, {In<VT_DISPATCH>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_CommandText(BSTR* r) override { return Get(2, Out<VT_BSTR>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_CommandText(BSTR v) override { return Put(2, Result{}, {In<VT_BSTR>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_CommandType(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_CommandType(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG v) override { return Put(4, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Prepared(VARIANT_BOOL* r) override { return Get(5, Out<VT_BOOL>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Prepared(VARIANT_BOOL v) override { return Put(5, Result{}, {In<VT_BOOL>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Parameters(_Parameters** r) override { return Get(0, OutObject(r), {}); }
+  HRESULT STDMETHODCALLTYPE CreateParameter(VARIANT a1, VARIANT a2, VARIANT a3, VARIANT a4, VARIANT a5, _Parameter** r) override { return Method(6, OutObject(r), {In<VT_VARIANT>(a1), In<VT_VARIANT>(a2), In<VT_VARIANT>(a3), In<VT_VARIANT>(a4), In<VT_VARIANT>(a5)}); }
+  HRESULT STDMETHODCALLTYPE Execute(VARIANT* a1, VARIANT a2, VARIANT a3, _Recordset** r) override { return Method(7, OutObject(r), {OptionalRef(a1), In<VT_VARIANT>(a2), In<VT_VARIANT>(a3)}); }
+};
+
+class Dual_Parameter final : public DualFace<_Parameter> {
+ public:
+  using DualFace::DualFace;
+  HRESULT STDMETHODCALLTYPE get_Value(VARIANT* r) override { return Get(0, Out<VT_VARIANT>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Value(VARIANT v) override { return Put(0, Result{}, {In<VT_VARIANT>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* r) override { return Get(1, Out<VT_BSTR>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Name(BSTR v) override { return Put(1, Result{}, {In<VT_BSTR>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Type(::DataTypeEnum* r) override { return Get(2, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Type(::DataTypeEnum v) override { return Put(2, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Direction(LONG* r) override { return Get(3, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Direction(LONG v) override { return Put(3, Result{}, {In<VT_I4>(v)}); }
+  HRESULT STDMETHODCALLTYPE get_Size(LONG* r) override { return Get(4, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE put_Size(LONG v) override { return Put(4, Result{}, {In<VT_I4>(v)}); }
+};
+
+class Dual_Parameters final : public DualFace<_Parameters> {
+ public:
+  using DualFace::DualFace;
+  HRESULT STDMETHODCALLTYPE get_Item(VARIANT a1, _Parameter** r) override { return Get(0, OutObject(r), {In<VT_VARIANT>(a1)}); }
+  HRESULT STDMETHODCALLTYPE get_Count(LONG* r) override { return Get(1, Out<VT_I4>(r), {}); }
+  HRESULT STDMETHODCALLTYPE Append(_Parameter* a1) override { return Method(2, Result{}, {In<VT_DISPATCH>(a1)}); }
+  HRESULT STDMETHODCALLTYPE Delete(VARIANT a1) override { return Method(3, Result{}, {In<VT_VARIANT>(a1)}); }
+  HRESULT STDMETHODCALLTYPE Refresh() override { return Method(4, Result{}, {}); }
+  HRESULT STDMETHODCALLTYPE get_NewEnum(IUnknown** r) override { return Get(-4, Out<VT_UNKNOWN>(r), {}); }
+};
+
 }  // namespace
 
 DualBase* NewDualFace(REFIID iid, ComDispatch* owner) {
@@ -658,6 +709,9 @@ DualBase* NewDualFace(REFIID iid, ComDispatch* owner) {
   if (iid == __uuidof(_Field)) return new Dual_Field(owner);
   if (iid == __uuidof(_Errors)) return new Dual_Errors(owner);
   if (iid == __uuidof(_Error)) return new Dual_Error(owner);
+  if (iid == __uuidof(_Command)) return new Dual_Command(owner);
+  if (iid == __uuidof(_Parameter)) return new Dual_Parameter(owner);
+  if (iid == __uuidof(_Parameters)) return new Dual_Parameters(owner);
   return nullptr;
 }
 

@@ -9,6 +9,7 @@
 
 #include "kelvary/automation/internal/Binding.h"
 #include "kelvary/automation/internal/NativeDispatch.h"
+#include "kelvary/platform/Command.h"
 #include "kelvary/platform/Connection.h"
 #include "kelvary/platform/Recordset.h"
 #include "kelvary/query/QueryInterpretor.h"
@@ -55,6 +56,14 @@ inline Identity IdentityOf(const std::shared_ptr<ConnectionErrors>& errors) {
 }
 inline Identity IdentityOf(const std::shared_ptr<ConnectionError>& error) {
   return Identity{error->connection.get(), kFieldFacet + error->index};
+}
+// CommandParameters: the Parameters collection of a command (its facet 1).
+struct CommandParameters {
+  std::shared_ptr<Command> command;
+};
+inline constexpr int64_t kParametersFacet = 1;
+inline Identity IdentityOf(const std::shared_ptr<CommandParameters>& parameters) {
+  return Identity{parameters->command.get(), kParametersFacet};
 }
 }  // namespace internal
 
@@ -130,6 +139,9 @@ KELVARY_AUTOMATION_CLASS(internal::RecordsetFields, "Fields")
 KELVARY_AUTOMATION_CLASS(internal::RecordsetField, "Field")
 KELVARY_AUTOMATION_CLASS(internal::ConnectionErrors, "Errors")
 KELVARY_AUTOMATION_CLASS(internal::ConnectionError, "Error")
+KELVARY_AUTOMATION_CLASS(Command, "Command")
+KELVARY_AUTOMATION_CLASS(Parameter, "Parameter")
+KELVARY_AUTOMATION_CLASS(internal::CommandParameters, "Parameters")
 
 #undef KELVARY_AUTOMATION_CLASS
 
