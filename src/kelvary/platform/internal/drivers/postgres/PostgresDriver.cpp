@@ -300,12 +300,14 @@ void PostgresConnection::ReadRows(const PGresult* result, int32_t max_rows, RowS
   rows.cells.reserve(static_cast<size_t>(count) * static_cast<size_t>(width));
   for (int r = 0; r < count; ++r) {
     for (int c = 0; c < width; ++c) {
-      if (PQgetisnull(result, r, c)) {
+      // A NULL has no bytes: only an empty value needs asking which it is.
+      const int length = PQgetlength(result, r, c);
+      if (length == 0 && PQgetisnull(result, r, c)) {
         rows.cells.push_back(Variant::Null());
         continue;
       }
-      AppendValue(oids[c], types[c], PQgetvalue(result, r, c),
-                  static_cast<size_t>(PQgetlength(result, r, c)), rows.cells);
+      AppendValue(oids[c], types[c], PQgetvalue(result, r, c), static_cast<size_t>(length),
+                  rows.cells);
     }
   }
 }
