@@ -380,10 +380,13 @@ HRESULT TakeResult(VARIANT& result, const Result& out) {
     VariantClear(&result);
     return FAILED(hr) ? DISP_E_TYPEMISMATCH : S_OK;
   }
-  const HRESULT hr = VariantChangeType(&result, &result, 0, out.type);
-  if (FAILED(hr)) {
-    VariantClear(&result);
-    return hr;
+  // Most results are of the entry's type already: no conversion then.
+  if (V_VT(&result) != out.type) {
+    const HRESULT hr = VariantChangeType(&result, &result, 0, out.type);
+    if (FAILED(hr)) {
+      VariantClear(&result);
+      return hr;
+    }
   }
   switch (out.type) {
     case VT_BOOL:
@@ -414,8 +417,7 @@ HRESULT TakeResult(VARIANT& result, const Result& out) {
       VariantClear(&result);
       return DISP_E_TYPEMISMATCH;
   }
-  VariantClear(&result);
-  return S_OK;
+  return S_OK;  // a number, a date or a currency: nothing to free
 }
 
 // ClearResult: an [out] slot holds nothing until the call succeeds.
@@ -507,12 +509,12 @@ HRESULT ComDispatch::CallEarly(DISPID id, WORD flags, std::initializer_list<VARI
   if (hr == DISP_E_EXCEPTION) {
     SetError(interface_id_, info.bstrSource, info.bstrDescription);
     hr = info.scode != 0 ? info.scode : DISP_E_EXCEPTION;
+    SysFreeString(info.bstrSource);
+    SysFreeString(info.bstrDescription);
+    SysFreeString(info.bstrHelpFile);
   } else if (FAILED(hr)) {
     SetError(interface_id_, nullptr, nullptr);
   }
-  SysFreeString(info.bstrSource);
-  SysFreeString(info.bstrDescription);
-  SysFreeString(info.bstrHelpFile);
   return hr;
 }
 
