@@ -1,7 +1,8 @@
 ' A script host doing what the desktop application does with the component
 ' server: create the service object, set it up, connect to the practice's
 ' databases, look values up, build clauses, fill the host's controls, run a
-' stored query and walk its rows (a SHAPE chapter included), make a new key,
+' stored query and walk its rows (a SHAPE chapter included), use the
+' recordset's own members and a command with parameters, make a new key,
 ' delete a record safely; and the errors a script sees for bad calls.
 '
 ' Usage: cscript //nologo host.vbs MAIN.db SYSTEM.db
@@ -257,6 +258,43 @@ Sub TestShapeChapter
   CheckNoError "walking the chapters"
 End Sub
 
+Sub TestRecordsetMembers
+  On Error Resume Next
+  Dim rs, ok, rows, twin, cmd, found, affected
+  ok = link.FillRecordSet(1, rs, "Select ID, Description From Cities Where ParentID = 1 Order By ID", 3, 3)
+  CheckNoError "FillRecordSet for the recordset's members"
+  Check ok = True And rs.RecordCount = 3, "three cities of the North Region"
+  rows = rs.GetRows()
+  CheckNoError "GetRows"
+  Check UBound(rows, 1) = 1 And UBound(rows, 2) = 2, _
+        "GetRows: an array of two fields by three rows (" & UBound(rows, 1) & ", " & UBound(rows, 2) & ")"
+  Check rows(1, 0) = "Aldermoor" And rows(0, 2) = 6, "GetRows: field first, row second"
+  Check rs.EOF, "GetRows leaves the cursor after the last row read"
+  rs.Sort = "Description DESC"
+  rs.MoveFirst
+  Check rs("Description") = "Cedarfield", "Sort orders the rows, descending"
+  Set twin = rs.Clone
+  CheckNoError "Clone"
+  Check twin.RecordCount = 3, "a clone holds the same rows"
+  twin.Bookmark = rs.Bookmark
+  Check twin("ID") = rs("ID"), "a bookmark of one works in its clone"
+  Set cmd = CreateObject("Kelvary.Command")
+  CheckNoError "CreateObject(""Kelvary.Command"")"
+  Set cmd.ActiveConnection = link.AppDataXion
+  cmd.CommandText = "Select Description From Cities Where ID = ?"
+  cmd.Parameters.Append cmd.CreateParameter("city", 3, 1, 4, 7)
+  CheckNoError "a command and its parameter"
+  Check cmd.Parameters.Count = 1, "the command holds its parameter"
+  Set found = cmd.Execute(affected)
+  CheckNoError "Execute"
+  Check found("Description") = "Dunmore", "a command runs with its parameter bound"
+  cmd.Parameters(0).Value = 9
+  Set found = cmd.Execute(affected)
+  Check found("Description") = "Fairhaven", "a parameter's new value is used by the next run"
+  CheckNoError "commands"
+  link.SafelyCloseRecordSet rs
+End Sub
+
 Sub TestKeysAndDelete
   On Error Resume Next
   Check link.GenerateNumericCode(1, "patients", "ID") = 301, "GenerateNumericCode: the next patient ID"
@@ -316,6 +354,7 @@ If IsObject(link) Then
   TestListControl
   TestStoredQuery
   TestShapeChapter
+  TestRecordsetMembers
   TestKeysAndDelete
   TestBadCalls
   TestRelease
