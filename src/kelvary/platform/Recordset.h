@@ -190,9 +190,12 @@ class Recordset : public Object, public std::enable_shared_from_this<Recordset> 
 
   // Clone: another recordset over the same rows with a position of its own
   // (on its first row) and no filter or sort; bookmarks of either work in
-  // both. The clone holds the rows as they are now: later changes made
-  // through one are not seen by the other. lock_type adLockReadOnly makes a
-  // read-only clone; adLockUnspecified keeps this recordset's lock.
+  // both. The rows are shared: a change made through one (a value, a new
+  // or deleted row, a pending batch change) is seen by all, and closing one
+  // leaves the others open. A row another clone adds shows at once where
+  // no Filter is set, else when the Filter is next set. lock_type
+  // adLockReadOnly makes a read-only clone; adLockUnspecified keeps this
+  // recordset's lock.
   std::shared_ptr<Recordset> Clone(LockTypeEnum lock_type = adLockUnspecified);
 
   // FieldCount: 0 on a recordset never opened (the fields appended so far);

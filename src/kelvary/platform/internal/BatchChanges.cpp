@@ -256,18 +256,19 @@ void CursorEngine::CancelBatch(AffectEnum affect) {
   for (uint32_t row : rows) {
     const BatchChanges::Pending& pending = *batch_->Find(row);
     if (pending.kind == BatchChanges::Kind::kNew) {
-      deleted_[row] = 1;
+      rows_->deleted[row] = 1;
     } else {
       const bool restore = std::any_of(pending.changed.begin(), pending.changed.end(),
                                        [](bool changed) { return changed; });
       if (restore) std::copy(pending.originals.begin(), pending.originals.end(), OwnedRow(row));
-      deleted_[row] = 0;
+      rows_->deleted[row] = 0;
     }
     batch_->Canceled(row);
   }
   if (rows.empty()) return;
   RebuildOrder(filter_criteria_.get());
   KeepPositionAfter(current);
+  Tell([](CursorEngine& other) { other.RowsBack(); });
 }
 
 }  // namespace kelvary::internal

@@ -13,7 +13,8 @@
 // found (adRecConcurrencyViolation, adRecIntegrityViolation); a row the last
 // batch wrote says adRecOK; every other row adRecUnmodified.
 //
-// One per engine, used on the engine's thread; copied along with a clone.
+// One per set of rows, shared by an engine and its clones, used on their
+// thread.
 #pragma once
 
 #include <cstddef>

@@ -123,7 +123,9 @@ struct CursorEngine::EqualityIndex {
 };
 
 CursorEngine::CursorEngine() = default;
-CursorEngine::~CursorEngine() = default;
+CursorEngine::~CursorEngine() {
+  Detach();
+}
 
 // ---- Opening and closing -------------------------------------------------
 
@@ -131,9 +133,10 @@ void CursorEngine::Load(RowSet rows, LoadOptions options) {
   RequireClosed();
   columns_ = std::move(rows.columns);
   width_ = columns_.size();
-  cells_ = std::move(rows.cells);
-  if (width_ == 0) cells_.clear();
-  Opened(std::move(options));
+  rows_ = std::make_shared<SharedRows>();
+  rows_->width = width_;
+  if (width_ > 0) rows_->cells = std::move(rows.cells);
+  Opened(std::move(options), true);
 }
 
 void CursorEngine::LoadShared(std::shared_ptr<const RowSet> store, std::vector<uint32_t> rows,
@@ -141,29 +144,78 @@ void CursorEngine::LoadShared(std::shared_ptr<const RowSet> store, std::vector<u
   RequireClosed();
   columns_ = store->columns;
   width_ = columns_.size();
-  cells_.clear();
+  rows_ = std::make_shared<SharedRows>();
+  rows_->width = width_;
   if (width_ > 0) {
-    store_ = std::move(store);
-    store_rows_ = std::move(rows);
+    rows_->store = std::move(store);
+    rows_->store_rows = std::move(rows);
   }
-  Opened(std::move(options));
+  Opened(std::move(options), true);
+}
+
+size_t CursorEngine::StoredRowCount() const {
+  return rows_ ? rows_->Count() : 0;
+}
+
+bool CursorEngine::Deleted(uint32_t row) const {
+  return rows_->deleted[row] != 0;
+}
+
+void CursorEngine::Rebase() {
+  if (rows_->store) {
+    store_cells_ = rows_->store->cells.data();
+    store_rows_ = rows_->store_rows.data();
+    cells_ = nullptr;
+  } else {
+    store_cells_ = nullptr;
+    store_rows_ = nullptr;
+    cells_ = rows_->cells.data();
+  }
+}
+
+void CursorEngine::Detach() {
+  if (!rows_) return;
+  auto& engines = rows_->engines;
+  engines.erase(std::remove(engines.begin(), engines.end(), this), engines.end());
+  rows_.reset();
+  cells_ = store_cells_ = nullptr;
+  store_rows_ = nullptr;
+}
+
+void CursorEngine::Tell(const std::function<void(CursorEngine&)>& what) {
+  // Over a copy of the list (a few engines), so that nothing an engine
+  // does when told can disturb the walk.
+  const std::vector<CursorEngine*> engines = rows_->engines;
+  for (CursorEngine* engine : engines) {
+    if (engine != this) what(*engine);
+  }
 }
 
 void CursorEngine::OwnRows() {
-  if (!store_) return;
-  cells_.reserve(store_rows_.size() * width_);
-  for (size_t row = 0; row < store_rows_.size(); ++row) {
+  SharedRows& rows = *rows_;
+  if (!rows.store) return;
+  rows.cells.reserve(rows.store_rows.size() * width_);
+  for (size_t row = 0; row < rows.store_rows.size(); ++row) {
     const Variant* cells = StoredRow(row);
-    cells_.insert(cells_.end(), cells, cells + width_);
+    rows.cells.insert(rows.cells.end(), cells, cells + width_);
   }
-  store_.reset();
-  store_rows_.clear();
-  store_rows_.shrink_to_fit();
+  rows.store.reset();
+  rows.store_rows.clear();
+  rows.store_rows.shrink_to_fit();
+  for (CursorEngine* engine : rows.engines)
+    engine->Rebase();
 }
 
-void CursorEngine::Opened(LoadOptions options) {
+Variant* CursorEngine::OwnedRow(uint32_t row) {
+  OwnRows();
+  return rows_->cells.data() + size_t{row} * width_;
+}
+
+void CursorEngine::Opened(LoadOptions options, bool fresh) {
   const size_t count = StoredRowCount();
-  deleted_.assign(count, 0);
+  if (fresh) rows_->deleted.assign(count, 0);
+  rows_->engines.push_back(this);
+  Rebase();
   order_.resize(count);
   std::iota(order_.begin(), order_.end(), 0u);
   names_.clear();
@@ -183,15 +235,15 @@ void CursorEngine::Opened(LoadOptions options) {
   chosen_.clear();
   sort_.clear();
   sort_text_.clear();
-  family_ = NextFamily();
+  if (fresh) family_ = NextFamily();
   edit_mode_ = adEditNone;
   originals_.clear();
   changed_.assign(width_, false);
   status_.assign(width_, adFieldOK);
   index_.reset();
-  batch_ = lock_type_ == adLockBatchOptimistic && write_mode_ != WriteMode::kReadOnly
-               ? std::make_unique<BatchChanges>()
-               : nullptr;
+  const bool batch = lock_type_ == adLockBatchOptimistic && write_mode_ != WriteMode::kReadOnly;
+  if (batch && !rows_->batch) rows_->batch = std::make_unique<BatchChanges>();
+  batch_ = batch ? rows_->batch.get() : nullptr;
   open_ = true;
   ResetPosition();
 }
@@ -206,7 +258,10 @@ void CursorEngine::Ran(std::string source, std::shared_ptr<Connection> connectio
 
 void CursorEngine::Close() {
   RequireOpen();
-  // A pending change is dropped: the system cancels it before closing.
+  // A pending change is dropped: the system cancels it before closing. The
+  // clones keep the rows as they were before it.
+  if (edit_mode_ != adEditNone && rows_->engines.size() > 1) CancelUpdate();
+  Detach();
   open_ = false;
   edit_mode_ = adEditNone;
   on_deleted_ = false;
@@ -214,12 +269,6 @@ void CursorEngine::Close() {
   names_.clear();
   for (AskedName& asked : asked_)
     asked.ordinal = -1;
-  cells_.clear();
-  cells_.shrink_to_fit();
-  store_.reset();
-  store_rows_.clear();
-  store_rows_.shrink_to_fit();
-  deleted_.clear();
   order_.clear();
   filter_.clear();
   filter_criteria_.reset();
@@ -229,7 +278,7 @@ void CursorEngine::Close() {
   originals_.clear();
   writer_.reset();
   index_.reset();
-  batch_.reset();  // pending batch changes are lost with the rows
+  batch_ = nullptr;  // pending batch changes are lost with the rows, once no clone holds them
   width_ = 0;
   pos_ = 0;
 }
@@ -633,19 +682,14 @@ void CursorEngine::CloneFrom(const CursorEngine& other, bool read_only) {
   other.RequireOpen();
   columns_ = other.columns_;
   width_ = other.width_;
-  if (other.store_) {
-    store_ = other.store_;
-    store_rows_ = other.store_rows_;
-  } else {
-    cells_ = other.cells_;
-  }
-  Opened(LoadOptions{
-      other.source_, other.connection_, read_only ? adLockReadOnly : other.lock_type_,
-      read_only ? WriteMode::kReadOnly : other.write_mode_, read_only ? nullptr : other.writer_});
-  max_records_ = other.max_records_;
-  deleted_ = other.deleted_;
-  if (batch_ && other.batch_) *batch_ = *other.batch_;
+  rows_ = other.rows_;
   family_ = other.family_;
+  Opened(
+      LoadOptions{other.source_, other.connection_, read_only ? adLockReadOnly : other.lock_type_,
+                  read_only ? WriteMode::kReadOnly : other.write_mode_,
+                  read_only ? nullptr : other.writer_},
+      false);
+  max_records_ = other.max_records_;
   RebuildOrder(nullptr);
   ResetPosition();
 }
@@ -653,18 +697,57 @@ void CursorEngine::CloneFrom(const CursorEngine& other, bool read_only) {
 void CursorEngine::RebuildOrder(const Criteria* criteria) {
   order_.clear();
   const size_t count = StoredRowCount();
+  const std::vector<uint8_t>& deleted = rows_->deleted;
   for (size_t row = 0; row < count; ++row) {
     const uint8_t chosen = chosen_.empty() ? 1 : row < chosen_.size() ? chosen_[row] : 0;
-    if (chosen == 0 || (deleted_[row] && chosen != kChosenWithDeleted)) continue;
+    if (chosen == 0 || (deleted[row] && chosen != kChosenWithDeleted)) continue;
     if (criteria && !criteria->Matches(StoredRow(row))) continue;
     order_.push_back(static_cast<uint32_t>(row));
   }
   SortRows(order_, sort_, [this](uint32_t row) { return StoredRow(row); });
-  ChangedRows();
+  DropCaches();
+}
+
+void CursorEngine::DropCaches() {
+  index_.reset();
 }
 
 void CursorEngine::ChangedRows() {
-  index_.reset();
+  for (CursorEngine* engine : rows_->engines)
+    engine->DropCaches();
+}
+
+void CursorEngine::RowAdded(uint32_t row) {
+  DropCaches();
+  if (filter_criteria_ || !chosen_.empty()) return;  // shown once the order is built again
+  const bool at_end = pos_ >= static_cast<ptrdiff_t>(order_.size());
+  order_.push_back(row);
+  if (at_end) pos_ = static_cast<ptrdiff_t>(order_.size());  // EOF stays EOF
+}
+
+void CursorEngine::RowRemoved(uint32_t row) {
+  DropCaches();
+  if (edit_mode_ != adEditNone && edit_row_ == row) EndEdit();  // nothing left to edit
+  const auto at = std::find(order_.begin(), order_.end(), row);
+  if (at == order_.end()) return;
+  const ptrdiff_t position = at - order_.begin();
+  order_.erase(at);
+  if (position < pos_) {
+    --pos_;
+  } else if (position == pos_ && !on_deleted_) {
+    // Left on the deleted row, as after a Delete of its own; pos_ now
+    // names the row that followed it.
+    on_deleted_ = true;
+    deleted_row_ = row;
+  }
+}
+
+void CursorEngine::RowsBack() {
+  const ptrdiff_t current = on_deleted_    ? static_cast<ptrdiff_t>(deleted_row_)
+                            : HasCurrent() ? static_cast<ptrdiff_t>(CurrentRow())
+                                           : -1;
+  RebuildOrder(filter_criteria_.get());
+  KeepPositionAfter(current);
 }
 
 // ---- Fields ----------------------------------------------------------------
@@ -742,7 +825,7 @@ void CursorEngine::SetValue(int32_t ordinal, const Variant& value) {
   RequireOpen();
   const uint32_t row = CurrentRow();
   RequireWritable();
-  if (deleted_[row]) ThrowNoCurrentRecord();  // a deleted row a batch filter shows
+  if (Deleted(row)) ThrowNoCurrentRecord();  // a deleted row a batch filter shows
   const ColumnInfo& column = columns_[static_cast<size_t>(ordinal)];
   if (column.type == adChapter) {
     throw Error(kErrOperationNotSupported,
@@ -760,9 +843,9 @@ void CursorEngine::SetValue(int32_t ordinal, const Variant& value) {
                     column.name + "\": " + e.Description() + ")",
                 kSource);
   }
-  OwnRows();
+  Variant* cells = OwnedRow(row);
   if (edit_mode_ == adEditNone) BeginEdit(row);
-  cells_[row * width_ + static_cast<size_t>(ordinal)] = std::move(converted);
+  cells[static_cast<size_t>(ordinal)] = std::move(converted);
   changed_[static_cast<size_t>(ordinal)] = true;
   status_[static_cast<size_t>(ordinal)] = adFieldOK;
   ChangedRows();
@@ -802,8 +885,11 @@ void CursorEngine::AddNew() {
   const uint32_t row = static_cast<uint32_t>(StoredRowCount());
   pos_before_add_ =
       on_deleted_ ? std::min<ptrdiff_t>(pos_, static_cast<ptrdiff_t>(order_.size())) : pos_;
-  cells_.resize(cells_.size() + width_, Variant::Null());
-  deleted_.push_back(0);
+  rows_->cells.resize(rows_->cells.size() + width_, Variant::Null());
+  rows_->deleted.push_back(0);
+  for (CursorEngine* engine : rows_->engines)
+    engine->Rebase();
+  Tell([row](CursorEngine& other) { other.RowAdded(row); });
   order_.push_back(row);
   pos_ = static_cast<ptrdiff_t>(order_.size()) - 1;
   on_deleted_ = false;
@@ -825,7 +911,7 @@ void CursorEngine::Update() {
       batch_->Edited(edit_row_, originals_, changed_);
     }
   } else if (writer_) {
-    Variant* row = cells_.data() + size_t{edit_row_} * width_;
+    Variant* row = OwnedRow(edit_row_);
     if (edit_mode_ == adEditAdd) {
       writer_->Insert(RowChange{columns_, row, nullptr, changed_, status_}, row);
       ChangedRows();  // the database may have supplied values
@@ -833,6 +919,7 @@ void CursorEngine::Update() {
       writer_->Update(RowChange{columns_, row, originals_.data(), changed_, status_});
     }
   }
+  ChangedRows();  // the clones see the values written
   EndEdit();
   ResetStatus();
 }
@@ -840,15 +927,22 @@ void CursorEngine::Update() {
 void CursorEngine::CancelUpdate() {
   RequireOpen();
   if (edit_mode_ == adEditAdd) {
-    // The new row is always the last one stored and, since AddNew appended
-    // it, the last one in order_.
-    cells_.resize(cells_.size() - width_);
-    deleted_.pop_back();
-    order_.erase(std::find(order_.begin(), order_.end(), edit_row_));
+    // The new row goes from every order. It is dropped from storage when it
+    // is the last row stored; a clone may have added one after it, and then
+    // it stays, deleted, so that row ids keep their rows.
+    const uint32_t row = edit_row_;
+    order_.erase(std::find(order_.begin(), order_.end(), row));
     pos_ = std::min<ptrdiff_t>(pos_before_add_, static_cast<ptrdiff_t>(order_.size()));
+    const bool last = size_t{row} + 1 == StoredRowCount();
+    rows_->deleted[row] = 1;
+    Tell([row](CursorEngine& other) { other.RowRemoved(row); });
+    if (last) {
+      rows_->cells.resize(rows_->cells.size() - width_);
+      rows_->deleted.pop_back();
+    }
     ChangedRows();
   } else if (edit_mode_ == adEditInProgress) {
-    std::copy(originals_.begin(), originals_.end(), cells_.begin() + edit_row_ * width_);
+    std::copy(originals_.begin(), originals_.end(), OwnedRow(edit_row_));
     ChangedRows();
   }
   EndEdit();
@@ -859,8 +953,8 @@ void CursorEngine::Delete() {
   RequireOpen();
   const uint32_t row = CurrentRow();
   RequireWritable();
-  if (deleted_[row]) ThrowNoCurrentRecord();  // a deleted row a batch filter shows
-  if (edit_mode_ == adEditAdd) {              // deleting a row not yet added drops it
+  if (Deleted(row)) ThrowNoCurrentRecord();  // a deleted row a batch filter shows
+  if (edit_mode_ == adEditAdd) {             // deleting a row not yet added drops it
     CancelUpdate();
     return;
   }
@@ -870,10 +964,11 @@ void CursorEngine::Delete() {
   } else if (writer_) {
     writer_->Delete(RowChange{columns_, StoredRow(row), nullptr, changed_, status_});
   }
-  deleted_[row] = 1;
+  rows_->deleted[row] = 1;
   deleted_row_ = row;
   order_.erase(order_.begin() + pos_);
   on_deleted_ = true;
+  Tell([row](CursorEngine& other) { other.RowRemoved(row); });
   ResetStatus();
   ChangedRows();
 }

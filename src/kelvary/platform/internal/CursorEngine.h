@@ -34,7 +34,18 @@
 // otherwise: kMemory (edits change the rows in memory only), or kBaseTable
 // with a writer. Load leaves the cursor on the first row.
 //
-// One thread uses an engine at a time.
+// Clones: CloneFrom makes another engine over the same rows (SharedRows,
+// held by shared pointer): cells, deleted flags and the books of batch
+// updating belong to the rows, while the order, position, Filter, Sort, the
+// edit buffer and the caches belong to each engine. The rows know the
+// engines that hold them and tell them of a change made through one of
+// them: a value (each drops its caches), a row added (shown at once where
+// no filter or group is set, else when that engine's order is next built),
+// a row deleted (it leaves every order; the engine that stood on it is left
+// on a deleted row) and rows a batch cancel brought back (each builds its
+// order again). Closing one engine leaves the others open.
+//
+// One thread uses an engine, and its clones, at a time.
 #pragma once
 
 #include <array>
@@ -170,9 +181,10 @@ class CursorEngine {
   // follow it; "" gives the stored order back). Moves to the first row.
   const std::string& Sort() const { return sort_text_; }
   void Sort(const std::string& sort);
-  // CloneFrom: the rows of other, each under the row id (and so the
-  // bookmark) it has there, with a position of its own on the first row and
-  // no filter or sort. REQUIRES: closed, other open.
+  // CloneFrom: the rows of other, shared with it (a change made through
+  // either is seen by both), each under the row id (and so the bookmark) it
+  // has there, with a position of its own on the first row and no filter
+  // or sort. REQUIRES: closed, other open.
   void CloneFrom(const CursorEngine& other, bool read_only);
   // FilterGroup: adFilterNone and adFilterFetchedRecords show every row;
   // the other groups name rows of batch updating (pending, touched by the
@@ -249,17 +261,18 @@ class CursorEngine {
 
   // Rows in storage order, for the shaping layer and tests: the number of
   // rows held (deleted ones included) and a row's cells.
-  size_t StoredRowCount() const {
-    if (store_) return store_rows_.size();
-    return width_ == 0 ? 0 : cells_.size() / width_;
-  }
+  size_t StoredRowCount() const;
+  // The rows are reached through pointers kept here (Rebase sets them when
+  // the storage moves), so that reading a value costs what it did before
+  // clones shared their rows.
   const Variant* StoredRow(size_t row_id) const {
-    if (store_) return store_->cells.data() + size_t{store_rows_[row_id]} * width_;
-    return cells_.data() + row_id * width_;
+    if (store_rows_) return store_cells_ + size_t{store_rows_[row_id]} * width_;
+    return cells_ + row_id * width_;
   }
 
  private:
   struct EqualityIndex;
+  struct SharedRows;
   struct AskedName {
     std::string name;
     int32_t ordinal = -1;
@@ -304,16 +317,31 @@ class CursorEngine {
   // KeepPositionAfter: after the rows changed under it, the cursor stays on
   // the row it was on when that row is still visible.
   void KeepPositionAfter(ptrdiff_t row);
-  Variant* OwnedRow(uint32_t row) {
-    OwnRows();
-    return cells_.data() + size_t{row} * width_;
-  }
-  void ChangedRows();  // drops the caches that depend on cell values or order
+  Variant* OwnedRow(uint32_t row);
+  // ChangedRows: values changed; every engine over the rows drops the
+  // caches that depend on them. DropCaches: this engine's order changed.
+  void ChangedRows();
+  void DropCaches();
   // OwnRows: before a row changes, rows held in a shared store are copied
-  // into cells_ (row ids, and so bookmarks, stay as they are).
+  // into storage of their own (row ids, and so bookmarks, stay as they are).
   void OwnRows();
-  // Opened: the rest of Load once the rows are in place.
-  void Opened(LoadOptions options);
+  // Opened: the rest of Load once the rows are in place; fresh: the rows
+  // are new (not a clone's), their flags and books start empty.
+  void Opened(LoadOptions options, bool fresh);
+  // Rebase: the storage moved; the pointers StoredRow reads are set again.
+  void Rebase();
+  // Detach: this engine no longer holds the rows.
+  void Detach();
+  bool Deleted(uint32_t row) const;
+  // What another engine over the same rows did, and how this one follows:
+  // RowAdded appends the new row when this engine shows every row;
+  // RowRemoved takes a deleted row (or a canceled new one) out of the
+  // order; RowsBack builds the order again.
+  void RowAdded(uint32_t row);
+  void RowRemoved(uint32_t row);
+  void RowsBack();
+  // Tell: calls what on every other engine over the rows.
+  void Tell(const std::function<void(CursorEngine&)>& what);
   int32_t ResolveColumn(std::string_view name) const;
   ptrdiff_t PositionOfRow(uint32_t row) const;
   ptrdiff_t PositionOfBookmark(const Variant& bookmark) const;
@@ -334,12 +362,14 @@ class CursorEngine {
   std::unordered_map<std::string, int32_t, CaseInsensitiveHash, CaseInsensitiveEqual> names_;
   mutable std::array<AskedName, kAskedSlots> asked_;  // see OrdinalOf
   size_t width_ = 0;
-  std::vector<Variant> cells_;
-  // Rows held in a shared store (LoadShared) until one changes: row id i is
-  // row store_rows_[i] of store_, and cells_ is empty.
-  std::shared_ptr<const RowSet> store_;
-  std::vector<uint32_t> store_rows_;
-  std::vector<uint8_t> deleted_;  // per row id
+  // The rows, shared with the clones; the pointers below are into them:
+  // row id i is at cells_ + i * width_, or, while the rows are still those
+  // of a store shared with other recordsets (LoadShared), row
+  // store_rows_[i] of store_cells_.
+  std::shared_ptr<SharedRows> rows_;
+  const Variant* cells_ = nullptr;
+  const Variant* store_cells_ = nullptr;
+  const uint32_t* store_rows_ = nullptr;
   // The visible rows: in ascending row id (a Filter keeps storage order,
   // AddNew appends the highest id), so that a row's position is found by
   // binary search, unless a Sort orders them otherwise.
@@ -371,9 +401,28 @@ class CursorEngine {
   ptrdiff_t pos_before_add_ = 0;
   uint32_t deleted_row_ = 0;  // the row a Delete left current (on_deleted_)
 
-  std::unique_ptr<BatchChanges> batch_;  // batch updating; null otherwise
+  BatchChanges* batch_ = nullptr;  // the rows' books under batch updating; null otherwise
 
   std::unique_ptr<EqualityIndex> index_;
+};
+
+// SharedRows: what belongs to the rows rather than to one recordset over
+// them, held by an engine and its clones.
+struct CursorEngine::SharedRows {
+  size_t width = 0;
+  std::vector<Variant> cells;
+  // Rows held in a shared store (LoadShared) until one changes: row id i is
+  // row store_rows[i] of store, and cells is empty.
+  std::shared_ptr<const RowSet> store;
+  std::vector<uint32_t> store_rows;
+  std::vector<uint8_t> deleted;         // per row id
+  std::unique_ptr<BatchChanges> batch;  // under batch updating; null otherwise
+  std::vector<CursorEngine*> engines;   // the open engines over these rows
+
+  size_t Count() const {
+    if (store) return store_rows.size();
+    return width == 0 ? 0 : cells.size() / width;
+  }
 };
 
 // QuoteName: a table or column name as SQL text: as it stands when it is a
