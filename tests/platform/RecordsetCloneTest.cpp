@@ -161,6 +161,8 @@ TEST_P(RecordsetClones, ClosingOneLeavesTheOthersOpenOnTheSameRows) {
   Go(*second, 2);
   second->Fields("Balance").Value(int32_t{7});
   second->Update();
+  first->Find("Balance = 7", 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
+  EXPECT_EQ(CLng(first->Fields("ID").Value()), 2);
   second->AddNew({"LastName", "Balance"}, {Variant("Nguyen"), Variant(int32_t{7})});
   std::string found;
   first->Find("Balance = 7", 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
@@ -193,9 +195,11 @@ TEST_P(RecordsetClones, BatchChangesArePendingInEveryClone) {
   EXPECT_EQ(Names(*rs), "O'Brien,Brown,Nguyen");
   EXPECT_EQ(Stored(all), before);
 
-  // Taken back through one, the deleted row comes back in the other.
-  rs->CancelBatch();
+  // Taken back through one, the deleted row comes back in the other and
+  // the new one goes.
   clone->Filter(adFilterNone);
+  EXPECT_EQ(clone->RecordCount(), 6);
+  rs->CancelBatch();
   EXPECT_EQ(Ids(*clone), "1,2,3,4,5,6");
   EXPECT_EQ(Names(*clone), "Smith,O'Brien,smithers,Jones,Brown,Smith");
 
