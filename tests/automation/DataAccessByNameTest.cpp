@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "kelvary/automation/Classes.h"
 #include "kelvary/automation/Dispatch.h"
@@ -83,6 +84,61 @@ TEST_F(DataAccessByName, GetRowsHandsBackATwoDimensionalArray) {
   EXPECT_EQ(names->Extent(0), 1u);
   EXPECT_EQ(names->Extent(1), 4u);
   EXPECT_EQ(names->At(0, 3), Variant("Lee"));
+}
+
+// A host's Array(...) reaches a member as a one-dimensional ValueArray.
+Variant List(std::vector<Variant> items) {
+  return Variant(std::make_shared<ValueArray>(items));
+}
+
+TEST_F(DataAccessByName, ListsOfFieldsAndValuesAreTakenAsArrays) {
+  Obj rs = Open("SELECT ID, LastName FROM patients ORDER BY ID", adLockOptimistic);
+  Call(*rs, "AddNew", {List({Variant("ID"), Variant(int32_t{1})}), List({5, Variant("Nolan")})});
+  Call(*rs, "MoveFirst");
+  Call(*rs, "Update", {List({Variant("LastName")}), List({Variant("Smyth")})});
+  EXPECT_EQ(Ids(*Open("SELECT ID FROM patients WHERE LastName IN ('Nolan', 'Smyth') ORDER BY ID")),
+            "1,5");
+  // GetRows by names and ordinals; Seek by an array of one key; Execute with
+  // an array of the markers' values.
+  const auto rows = Call(*rs, "GetRows",
+                         {Variant(int32_t{2}), Variant(int32_t{adBookmarkFirst}),
+                          List({Variant(int32_t{1}), Variant("ID")})})
+                        .ObjectAs<ValueArray>();
+  ASSERT_NE(rows, nullptr);
+  EXPECT_EQ(rows->Extent(0), 2u);
+  EXPECT_EQ(rows->At(0, 0), Variant("Smyth"));
+  EXPECT_EQ(rows->At(1, 1), Variant(int32_t{2}));
+  Let(*rs, "Index", "ID");
+  Call(*rs, "Seek", {List({Variant(int32_t{4})})});
+  EXPECT_EQ(ValueOf(Get(*rs, "Fields", {Variant("LastName")})), Variant("Lee"));
+  Obj command = CreateObject("Kelvary.Command");
+  Set(*command, "ActiveConnection", Variant(connection_));
+  Let(*command, "CommandText", "SELECT ID FROM patients WHERE ID BETWEEN ? AND ? ORDER BY ID");
+  EXPECT_EQ(Ids(*AsDispatch(Call(*command, "Execute",
+                                 {Variant(), List({Variant(int32_t{2}), Variant(int32_t{3})})}))),
+            "2,3");
+}
+
+TEST_F(DataAccessByName, ListsThatCannotBeReadAreRefusedAndNothingIsWritten) {
+  Obj rs = Open("SELECT ID, LastName FROM patients ORDER BY ID", adLockOptimistic);
+  const Variant table(std::make_shared<ValueArray>(
+      std::vector<std::vector<Variant>>{{Variant("ID")}, {Variant("LastName")}}));
+  const auto failure = [&](const char* member, const Variant& fields, const Variant& values) {
+    try {
+      Call(*rs, member, {fields, values});
+    } catch (const AutomationError& e) {
+      return e.Number();
+    }
+    return int32_t{0};
+  };
+  EXPECT_EQ(failure("Update", table, List({Variant("x"), Variant("y")})), kErrTypeMismatch);
+  EXPECT_NE(failure("Update", List({Variant("LastName")}), List({})), 0);  // counts differ
+  EXPECT_NE(failure("Update", List({Variant(int32_t{7})}), List({Variant("x")})), 0);
+  // Everywhere else an array is no value.
+  EXPECT_EQ(failure("Move", List({Variant(int32_t{1})}), Variant()), kErrTypeMismatch);
+  EXPECT_EQ(failure("Find", List({Variant("ID = 1")}), Variant()), kErrTypeMismatch);
+  Call(*rs, "CancelUpdate");
+  EXPECT_EQ(Ids(*Open("SELECT ID FROM patients WHERE LastName = 'Smith'")), "1");
 }
 
 TEST_F(DataAccessByName, BatchUpdatingAndSeekAnswerByName) {

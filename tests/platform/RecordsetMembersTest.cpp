@@ -90,6 +90,10 @@ TEST_P(RecordsetMembers, PositionsAndMovesFromAStart) {
   EXPECT_EQ(id(), 3);
   rs->Move(-1, kLast);
   EXPECT_EQ(id(), 5);
+  rs->Move(1, Variant(int16_t{adBookmarkFirst}));  // a script's literal is an Integer
+  EXPECT_EQ(id(), 2);
+  rs->Move(0, Variant(int16_t{adBookmarkLast}));
+  EXPECT_EQ(id(), 6);
   rs->AbsolutePosition(2);
   const Variant two = rs->Bookmark();
   rs->MoveLast();

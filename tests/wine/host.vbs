@@ -270,6 +270,10 @@ Sub TestRecordsetMembers
         "GetRows: an array of two fields by three rows (" & UBound(rows, 1) & ", " & UBound(rows, 2) & ")"
   Check rows(1, 0) = "Aldermoor" And rows(0, 2) = 6, "GetRows: field first, row second"
   Check rs.EOF, "GetRows leaves the cursor after the last row read"
+  rows = rs.GetRows(-1, 1, Array("Description", 0))
+  CheckNoError "GetRows with an array of fields"
+  Check UBound(rows, 1) = 1 And rows(0, 0) = "Aldermoor" And rows(1, 2) = 6, _
+        "GetRows takes an array of fields, by name and by ordinal"
   rs.Sort = "Description DESC"
   rs.MoveFirst
   Check rs("Description") = "Cedarfield", "Sort orders the rows, descending"
@@ -291,6 +295,17 @@ Sub TestRecordsetMembers
   cmd.Parameters(0).Value = 9
   Set found = cmd.Execute(affected)
   Check found("Description") = "Fairhaven", "a parameter's new value is used by the next run"
+  Set found = cmd.Execute(affected, Array(12))
+  Check found("Description") = "Ironbridge", "Execute takes the markers' values as an array"
+  Dim batch
+  ok = link.FillRecordSet(1, batch, "Select ID, Description, ParentID, RecordStatus From Cities Where ID = 1", 3, 4)
+  batch.AddNew Array("ID", "Description", "ParentID", "RecordStatus"), Array(99, "Zed Harbour", 3, 0)
+  CheckNoError "AddNew with arrays"
+  Check batch.RecordCount = 2 And batch("Description") = "Zed Harbour", _
+        "AddNew takes an array of fields and an array of their values"
+  batch.CancelBatch
+  CheckNoError "CancelBatch"
+  link.SafelyCloseRecordSet batch
   CheckNoError "commands"
   link.SafelyCloseRecordSet rs
 End Sub

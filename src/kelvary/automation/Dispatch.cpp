@@ -120,6 +120,20 @@ Variant ValueOf(const Variant& v) {
   return current;
 }
 
+std::vector<Variant> ListOf(const Variant& v, int32_t position) {
+  if (auto array = v.ObjectAs<ValueArray>()) {
+    if (array->Rank() != 1) throw AutomationError::TypeMismatch(position);
+    std::vector<Variant> items;
+    items.reserve(array->Extent(0));
+    for (size_t i = 0; i < array->Extent(0); ++i)
+      items.push_back(ValueOf(array->At(i, 0)));
+    return items;
+  }
+  Variant value = ValueOf(v);
+  if (value.IsEmpty()) return {};
+  return {std::move(value)};
+}
+
 bool Enumerator::Next(Variant& item) {
   if (next_ >= items_.size()) return false;
   item = items_[next_++];

@@ -186,6 +186,14 @@ class Enumerator : public Object {
 class ValueArray : public Object {
  public:
   explicit ValueArray(std::vector<std::vector<Variant>> items) : items_(std::move(items)) {}
+  // A one-dimensional array (a host's Array("ID", "Name")): Rank 1, its
+  // values at (i, 0).
+  explicit ValueArray(const std::vector<Variant>& list) : rank_(1) {
+    items_.reserve(list.size());
+    for (const Variant& v : list)
+      items_.push_back({v});
+  }
+  int Rank() const { return rank_; }
   // Extent: how many indexes dimension (0 or 1) has.
   size_t Extent(int dimension) const {
     if (dimension == 0) return items_.size();
@@ -195,6 +203,20 @@ class ValueArray : public Object {
 
  private:
   std::vector<std::vector<Variant>> items_;
+  int rank_ = 2;
 };
+
+// ValueOrList: a parameter that takes one value or a host's one-dimensional
+// array (AddNew's fields and values, GetRows' fields, Seek's key, a command's
+// marker values). Every other parameter refuses an array as a type mismatch.
+struct ValueOrList {
+  Variant value;
+};
+
+// ListOf: the values a host passed where a member takes one value or a list
+// of them: the items of a one-dimensional array, each read as ValueOf; no
+// value for Empty (a left-out argument); else the one value. A
+// two-dimensional array is refused as a type mismatch at position.
+std::vector<Variant> ListOf(const Variant& v, int32_t position);
 
 }  // namespace kelvary::automation

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "kelvary/automation/internal/Classes.h"
 #include "kelvary/automation/internal/CollectionMembers.h"
@@ -38,6 +39,17 @@ std::shared_ptr<RecordsetField> FieldNamed(const std::shared_ptr<Recordset>& rs,
   throw Error(kErrItemNotFound,
               "Item cannot be found in the collection corresponding to the "
               "requested name or ordinal.");
+}
+
+// FieldNames: the fields a host named for GetRows, AddNew or Update: one
+// field or an array of them, each by name or by ordinal (an ordinal out of
+// range raises the recordset's own error).
+std::vector<std::string> FieldNames(Recordset& rs, const Variant& given, int32_t position) {
+  std::vector<std::string> names;
+  for (const Variant& field : ListOf(given, position)) {
+    names.push_back(field.IsNumber() ? rs.Fields(CLng(field)).Name() : CStr(field));
+  }
+  return names;
 }
 
 // ConnectionArg: a recordset's connection given as a Connection or as a
@@ -175,16 +187,20 @@ const MemberTable& ClassTraits<Recordset>::Table() {
         });
     // AddNew and Update take one field and its value (lists need arrays,
     // which this interface does not carry).
+    // AddNew and Update take one field and its value, or an array of fields
+    // (names or ordinals) and an array of as many values.
     b.Method("AddNew",
-             +[](C& rs, std::optional<std::string> FieldList, std::optional<Variant> Values) {
+             +[](C& rs, std::optional<ValueOrList> FieldList, std::optional<ValueOrList> Values) {
                if (!FieldList) return rs.AddNew();
-               rs.AddNew({*FieldList}, {Values.value_or(Variant())});
+               rs.AddNew(FieldNames(rs, FieldList->value, 1),
+                         ListOf(Values ? Values->value : Variant(), 2));
              },
              {"FieldList", "Values"});
     b.Method("Update",
-             +[](C& rs, std::optional<std::string> Fields, std::optional<Variant> Values) {
+             +[](C& rs, std::optional<ValueOrList> Fields, std::optional<ValueOrList> Values) {
                if (!Fields) return rs.Update();
-               rs.Update({*Fields}, {Values.value_or(Variant())});
+               rs.Update(FieldNames(rs, Fields->value, 1),
+                         ListOf(Values ? Values->value : Variant(), 2));
              },
              {"Fields", "Values"});
     b.Method("Delete",
@@ -242,23 +258,22 @@ const MemberTable& ClassTraits<Recordset>::Table() {
              },
              {"AffectRecords"});
     b.Getter("Status", &C::Status);
-    // GetRows: a two-dimensional array, [field, row]; Fields names one field
-    // (a list of them needs an array, which a host's call does not bring).
+    // GetRows: a two-dimensional array, [field, row]; Fields is one field or
+    // an array of them.
     b.Method("GetRows",
              +[](C& rs, std::optional<int32_t> Rows, std::optional<Variant> Start,
-                 std::optional<Variant> Fields) {
-               std::vector<std::string> names;
-               if (Fields && !ValueOf(*Fields).IsEmpty()) names.push_back(CStr(ValueOf(*Fields)));
-               return Variant(std::make_shared<ValueArray>(rs.GetRows(
-                   Rows.value_or(adGetRowsRest), ValueOf(Start.value_or(Variant())), names)));
+                 std::optional<ValueOrList> Fields) {
+               return Variant(std::make_shared<ValueArray>(
+                   rs.GetRows(Rows.value_or(adGetRowsRest), ValueOf(Start.value_or(Variant())),
+                              FieldNames(rs, Fields ? Fields->value : Variant(), 3))));
              },
              {"Rows", "Start", "Fields"});
     b.Property(
         "Index", +[](C& rs) { return rs.Index(); }, +[](C& rs, std::string v) { rs.Index(v); });
-    // Seek takes the one key value an index of one field needs.
+    // Seek takes the key value, alone or as an array of one.
     b.Method("Seek",
-             +[](C& rs, Variant KeyValues, std::optional<int32_t> SeekOption) {
-               rs.Seek({ValueOf(KeyValues)},
+             +[](C& rs, ValueOrList KeyValues, std::optional<int32_t> SeekOption) {
+               rs.Seek(ListOf(KeyValues.value, 1),
                        static_cast<SeekEnum>(SeekOption.value_or(adSeekFirstEQ)));
              },
              {"KeyValues", "SeekOption"});
@@ -305,15 +320,12 @@ const MemberTable& ClassTraits<Command>::Table() {
                    Size.value_or(0), ValueOf(Value.value_or(Variant())));
              },
              {"Name", "Type", "Direction", "Size", "Value"});
-    // Execute: Parameters, when given, is the value of the one marker (a
-    // list of values needs an array); otherwise the Parameters' values go.
+    // Execute: Parameters, when given, is the value of the one marker or an
+    // array of the markers' values; otherwise the Parameters' values go.
     b.Method("Execute",
-             +[](C& c, int32_t* RecordsAffected, std::optional<Variant> Parameters,
+             +[](C& c, int32_t* RecordsAffected, std::optional<ValueOrList> Parameters,
                  std::optional<int32_t> Options) {
-               std::vector<Variant> values;
-               if (Parameters && !ValueOf(*Parameters).IsEmpty()) {
-                 values.push_back(ValueOf(*Parameters));
-               }
+               std::vector<Variant> values = ListOf(Parameters ? Parameters->value : Variant(), 2);
                int32_t affected = 0;
                auto rs = c.Execute(affected, values, Options.value_or(adCmdUnspecified));
                if (RecordsAffected != nullptr) *RecordsAffected = affected;

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "kelvary/automation/Classes.h"
 #include "kelvary/automation/com/ComObjects.h"
@@ -53,6 +54,59 @@ Variant ObjectIn(IUnknown* unknown) {
   return Variant(std::shared_ptr<automation::DispatchObject>(std::move(host)));
 }
 
+// ListIn: a host's one-dimensional array (a script's Array(...), or a typed
+// array of a compiled host) as a list; another number of dimensions is a
+// type mismatch.
+Variant ListIn(SAFEARRAY* array, VARTYPE element, int32_t position) {
+  switch (element) {
+    case VT_VARIANT:
+    case VT_I1:
+    case VT_UI1:
+    case VT_I2:
+    case VT_UI2:
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_I8:
+    case VT_R4:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+    case VT_BOOL:
+    case VT_BSTR:
+    case VT_ERROR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      break;
+    default:  // decimals and records do not fit the slot below
+      throw AutomationError::TypeMismatch(position);
+  }
+  if (array == nullptr || SafeArrayGetDim(array) != 1)
+    throw AutomationError::TypeMismatch(position);
+  LONG low = 0, high = -1;
+  SafeArrayGetLBound(array, 1, &low);
+  SafeArrayGetUBound(array, 1, &high);
+  std::vector<Variant> items;
+  for (LONG i = low; i <= high; ++i) {
+    VARIANT item;
+    VariantInit(&item);
+    // Every element type sits at the start of a VARIANT's value, so one
+    // VARIANT of the element's type receives any of them.
+    void* slot = element == VT_VARIANT ? static_cast<void*>(&item) : &V_I8(&item);
+    if (FAILED(SafeArrayGetElement(array, &i, slot))) throw AutomationError::TypeMismatch(position);
+    if (element != VT_VARIANT) V_VT(&item) = element;
+    try {
+      items.push_back(FromVariant(item, position));
+    } catch (...) {
+      VariantClear(&item);
+      throw;
+    }
+    VariantClear(&item);
+  }
+  return Variant(std::make_shared<automation::ValueArray>(items));
+}
+
 }  // namespace
 
 Variant FromVariant(const VARIANT& v, int32_t position) {
@@ -62,6 +116,9 @@ Variant FromVariant(const VARIANT& v, int32_t position) {
   if (by_ref && base == VT_VARIANT) {
     if (V_VARIANTREF(&v) == nullptr) return Variant();
     return FromVariant(*V_VARIANTREF(&v), position);
+  }
+  if ((base & VT_ARRAY) != 0 && (base & VT_VECTOR) == 0) {
+    return ListIn(by_ref ? *V_ARRAYREF(&v) : V_ARRAY(&v), base & ~VT_ARRAY, position);
   }
   if ((base & (VT_ARRAY | VT_VECTOR)) != 0) throw AutomationError::TypeMismatch(position);
 #define KV_GET(field, reffield) (by_ref ? *V_##reffield(&v) : V_##field(&v))
@@ -188,10 +245,11 @@ void ToVariant(const Variant& value, VARIANT* out) {
     return;
   }
   if (auto array = std::dynamic_pointer_cast<automation::ValueArray>(object)) {
-    // A two-dimensional array of VARIANTs; the first index varies fastest.
+    // An array of VARIANTs of the array's rank; the first index varies
+    // fastest.
     const size_t first = array->Extent(0), second = array->Extent(1);
     SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(first), 0}, {static_cast<ULONG>(second), 0}};
-    SAFEARRAY* items = SafeArrayCreate(VT_VARIANT, 2, bounds);
+    SAFEARRAY* items = SafeArrayCreate(VT_VARIANT, static_cast<UINT>(array->Rank()), bounds);
     VARIANT* cells = nullptr;
     if (items == nullptr || FAILED(SafeArrayAccessData(items, reinterpret_cast<void**>(&cells)))) {
       if (items != nullptr) SafeArrayDestroy(items);

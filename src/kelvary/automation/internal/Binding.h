@@ -81,7 +81,7 @@ struct Converter {
       return {ValueKind::kDate, ""};
     } else if constexpr (std::is_same_v<T, std::string>) {
       return {ValueKind::kString, ""};
-    } else if constexpr (std::is_same_v<T, Variant>) {
+    } else if constexpr (std::is_same_v<T, Variant> || std::is_same_v<T, ValueOrList>) {
       return {ValueKind::kVariant, ""};
     } else if constexpr (std::is_enum_v<T>) {
       return {ValueKind::kLong, EnumName<T>::value};
@@ -95,7 +95,13 @@ struct Converter {
   // Read: the argument as a T. A host's object where a value is wanted gives
   // its default value, as a script's assignment does.
   static T Read(const Variant& v) {
-    if constexpr (std::is_same_v<T, Variant>) {
+    // An array goes only where a parameter takes a list.
+    if constexpr (!std::is_same_v<T, ValueOrList>) {
+      if (v.IsObject() && v.ObjectAs<ValueArray>()) throw Error(kErrTypeMismatch, "Type mismatch");
+    }
+    if constexpr (std::is_same_v<T, ValueOrList>) {
+      return ValueOrList{v};
+    } else if constexpr (std::is_same_v<T, Variant>) {
       return FromHost(v);
     } else if constexpr (IsSharedPtr<T>::value) {
       using X = typename IsSharedPtr<T>::element;
