@@ -36,9 +36,7 @@ std::shared_ptr<RecordsetField> FieldNamed(const std::shared_ptr<Recordset>& rs,
   for (int32_t i = 0; i < rs->FieldCount(); ++i) {
     if (&rs->Fields(i) == &wanted) return std::make_shared<RecordsetField>(RecordsetField{rs, i});
   }
-  throw Error(kErrItemNotFound,
-              "Item cannot be found in the collection corresponding to the "
-              "requested name or ordinal.");
+  throw ItemNotFoundError("", "");
 }
 
 // FieldNames: the fields a host named for GetRows, AddNew or Update: one
@@ -482,9 +480,7 @@ const MemberTable& ClassTraits<RecordsetField>::Table() {
 const kelvary::Error& internal::ConnectionError::Native() const {
   const std::vector<Error>& errors = connection->Errors();
   if (index < 0 || index >= static_cast<int32_t>(errors.size())) {
-    throw Error(kErrItemNotFound,
-                "Item cannot be found in the collection corresponding to the "
-                "requested name or ordinal.");
+    throw ItemNotFoundError("", "");
   }
   return errors[static_cast<size_t>(index)];
 }

@@ -18,18 +18,11 @@ namespace {
 constexpr const char* kSource = "Command";
 
 [[noreturn]] void ThrowInvalidArgument(const std::string& why) {
-  throw Error(kErrInvalidArgument,
-              "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
-              "with one another. (" +
-                  why + ")",
-              kSource);
+  throw InvalidArgumentError(why, kSource);
 }
 
 [[noreturn]] void ThrowNotFound() {
-  throw Error(kErrItemNotFound,
-              "Item cannot be found in the collection corresponding to the requested name or "
-              "ordinal.",
-              kSource);
+  throw ItemNotFoundError("", kSource);
 }
 
 }  // namespace

@@ -35,4 +35,26 @@ void Error::Refresh() {
   static_cast<std::runtime_error&>(*this) = std::runtime_error(description_);
 }
 
+namespace {
+std::string WithDetail(const char* description, const std::string& detail) {
+  return detail.empty() ? std::string(description) : description + (" (" + detail + ")");
+}
+}  // namespace
+
+Error InvalidArgumentError(const std::string& detail, std::string source) {
+  return Error(kErrInvalidArgument,
+               WithDetail("Arguments are of the wrong type, are out of acceptable range, or are "
+                          "in conflict with one another.",
+                          detail),
+               std::move(source));
+}
+
+Error ItemNotFoundError(const std::string& detail, std::string source) {
+  return Error(kErrItemNotFound,
+               WithDetail("Item cannot be found in the collection corresponding to the requested "
+                          "name or ordinal.",
+                          detail),
+               std::move(source));
+}
+
 }  // namespace kelvary

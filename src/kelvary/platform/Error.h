@@ -68,4 +68,10 @@ class Error : public std::runtime_error {
   std::string statement_;
 };
 
+// The data-access errors of bad arguments (3001) and of a name or ordinal
+// that names nothing (3265), with the descriptions hosts know them by;
+// detail, when not empty, follows in parentheses: "... ordinal. (Field "X")".
+Error InvalidArgumentError(const std::string& detail, std::string source);
+Error ItemNotFoundError(const std::string& detail, std::string source);
+
 }  // namespace kelvary

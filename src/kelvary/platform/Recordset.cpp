@@ -54,11 +54,7 @@ class Chapters final : public shape::ChapterMaker {
 constexpr const char* kSource = "Recordset";
 
 [[noreturn]] void ThrowInvalidArgument(const std::string& why) {
-  throw Error(kErrInvalidArgument,
-              "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
-              "with one another. (" +
-                  why + ")",
-              kSource);
+  throw InvalidArgumentError(why, kSource);
 }
 
 [[noreturn]] void ThrowNoCurrentRecord() {
@@ -484,11 +480,8 @@ void Recordset::Index(const std::string& index) {
   if (engine_->IsOpen() && !index.empty()) {
     const int32_t ordinal = engine_->OrdinalOf(index);  // an unknown name raises 3265
     if (!engine_->Column(ordinal).key) {
-      throw Error(kErrItemNotFound,
-                  "Item cannot be found in the collection corresponding to the requested name or "
-                  "ordinal. (No index \"" +
-                      index + "\": an index is a field of the table's key.)",
-                  kSource);
+      throw ItemNotFoundError("No index \"" + index + "\": an index is a field of the table's key.",
+                              kSource);
     }
   }
   index_ = index;

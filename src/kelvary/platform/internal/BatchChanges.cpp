@@ -109,11 +109,9 @@ constexpr const char* kSource = "Recordset";
 void CheckAffect(AffectEnum affect) {
   if (affect != adAffectCurrent && affect != adAffectGroup && affect != adAffectAll &&
       affect != adAffectAllChapters) {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (AffectRecords is adAffectCurrent, adAffectGroup, "
-                "adAffectAll or adAffectAllChapters.)",
-                kSource);
+    throw InvalidArgumentError(
+        "AffectRecords is adAffectCurrent, adAffectGroup, adAffectAll or adAffectAllChapters.",
+        kSource);
   }
 }
 

@@ -107,18 +107,13 @@ class CriteriaParser {
   };
 
   [[noreturn]] void Fail(const std::string& why) const {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (Cannot use the criteria \"" +
-                    Shown(text_) + "\": " + why + ".)",
-                "Recordset");
+    throw InvalidArgumentError("Cannot use the criteria \"" + Shown(text_) + "\": " + why + ".",
+                               "Recordset");
   }
   [[noreturn]] void FailUnknown(std::string_view name) const {
-    throw Error(kErrItemNotFound,
-                "Item cannot be found in the collection corresponding to the requested name or "
-                "ordinal. (Cannot use the criteria \"" +
-                    Shown(text_) + "\": there is no field \"" + std::string(name) + "\".)",
-                "Recordset");
+    throw ItemNotFoundError("Cannot use the criteria \"" + Shown(text_) +
+                                "\": there is no field \"" + std::string(name) + "\".",
+                            "Recordset");
   }
   void SkipBlanks() {
     while (pos_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[pos_])))

@@ -288,10 +288,7 @@ void CursorEngine::MaxRecords(int32_t max_records) {
     throw Error(kErrObjectOpen, "Operation is not allowed when the object is open.", kSource);
   }
   if (max_records < 0) {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another.",
-                kSource);
+    throw InvalidArgumentError("", kSource);
   }
   max_records_ = max_records;
 }
@@ -384,11 +381,7 @@ void CursorEngine::Bookmark(const Variant& bookmark) {
   RequireOpen();
   const ptrdiff_t position = PositionOfBookmark(bookmark);
   if (position < 0) {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (The bookmark names no visible row of this "
-                "recordset.)",
-                kSource);
+    throw InvalidArgumentError("The bookmark names no visible row of this recordset.", kSource);
   }
   CommitPending();
   pos_ = position;
@@ -479,19 +472,12 @@ void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
   const Criteria criteria =
       Criteria::Parse(criteria_text, [this](std::string_view n) { return ResolveColumn(n); });
   if (!criteria.IsSingleComparison()) {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (Cannot use the criteria \"" +
-                    criteria_text.substr(0, 200) +
-                    "\": Find takes one comparison; Filter takes AND and OR.)",
-                kSource);
+    throw InvalidArgumentError("Cannot use the criteria \"" + criteria_text.substr(0, 200) +
+                                   "\": Find takes one comparison; Filter takes AND and OR.",
+                               kSource);
   }
   if (direction != adSearchForward && direction != adSearchBackward) {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (The search direction is neither forward nor "
-                "backward.)",
-                kSource);
+    throw InvalidArgumentError("The search direction is neither forward nor backward.", kSource);
   }
   const int step = direction == adSearchForward ? 1 : -1;
   ptrdiff_t origin;
@@ -518,10 +504,7 @@ void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
     default: {
       origin = PositionOfBookmark(start);
       if (origin < 0) {
-        throw Error(kErrInvalidArgument,
-                    "Arguments are of the wrong type, are out of acceptable range, or are in "
-                    "conflict with one another. (The start bookmark names no visible row.)",
-                    kSource);
+        throw InvalidArgumentError("The start bookmark names no visible row.", kSource);
       }
     }
   }
@@ -620,10 +603,7 @@ void CursorEngine::FilterGroup(FilterGroupEnum group) {
   if (group == adFilterNone || group == adFilterFetchedRecords) return Filter("");
   if (group != adFilterPendingRecords && group != adFilterAffectedRecords &&
       group != adFilterConflictingRecords) {
-    throw Error(kErrInvalidArgument,
-                "Arguments are of the wrong type, are out of acceptable range, or are in "
-                "conflict with one another. (No such filter group.)",
-                kSource);
+    throw InvalidArgumentError("No such filter group.", kSource);
   }
   // Without batch updating changes are written as they are made: no row
   // waits to be sent, was left by a batch, or conflicts with one.
@@ -650,11 +630,8 @@ void CursorEngine::FilterBookmarks(const std::vector<Variant>& bookmarks) {
   for (const Variant& bookmark : bookmarks) {
     const ptrdiff_t position = PositionOfBookmark(bookmark);
     if (position < 0) {
-      throw Error(kErrInvalidArgument,
-                  "Arguments are of the wrong type, are out of acceptable range, or are in "
-                  "conflict with one another. (A bookmark of the filter names no visible row of "
-                  "this recordset.)",
-                  kSource);
+      throw InvalidArgumentError("A bookmark of the filter names no visible row of this recordset.",
+                                 kSource);
     }
     chosen[order_[static_cast<size_t>(position)]] = 1;
   }
@@ -758,21 +735,13 @@ int32_t CursorEngine::FieldCount() const {
 }
 
 void CursorEngine::ThrowNoOrdinal(int32_t ordinal) {
-  throw Error(kErrItemNotFound,
-              "Item cannot be found in the collection corresponding to the requested name or "
-              "ordinal. (Ordinal " +
-                  std::to_string(ordinal) + ")",
-              kSource);
+  throw ItemNotFoundError("Ordinal " + std::to_string(ordinal), kSource);
 }
 
 int32_t CursorEngine::LookUpOrdinal(std::string_view name) const {
   auto it = names_.find(name);
   if (it == names_.end()) {
-    throw Error(kErrItemNotFound,
-                "Item cannot be found in the collection corresponding to the requested name or "
-                "ordinal. (Field \"" +
-                    std::string(name) + "\")",
-                kSource);
+    throw ItemNotFoundError("Field \"" + std::string(name) + "\"", kSource);
   }
   size_t slot = AskedSlot(name);
   for (size_t probe = 0; probe < kAskedProbes; ++probe, slot = (slot + 1) % kAskedSlots) {

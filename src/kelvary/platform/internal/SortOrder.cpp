@@ -11,11 +11,8 @@ namespace kelvary::internal {
 namespace {
 
 [[noreturn]] void Fail(std::string_view text, const std::string& why) {
-  throw Error(kErrInvalidArgument,
-              "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
-              "with one another. (Cannot sort by \"" +
-                  std::string(text) + "\": " + why + ".)",
-              "Recordset");
+  throw InvalidArgumentError("Cannot sort by \"" + std::string(text) + "\": " + why + ".",
+                             "Recordset");
 }
 
 bool IsNothing(const Variant& v) {
@@ -56,11 +53,9 @@ std::vector<SortKey> ParseSort(std::string_view text,
     }
     key.column = resolve(part);
     if (key.column < 0) {
-      throw Error(kErrItemNotFound,
-                  "Item cannot be found in the collection corresponding to the requested name "
-                  "or ordinal. (Cannot sort by \"" +
-                      std::string(text) + "\": there is no field \"" + std::string(part) + "\".)",
-                  "Recordset");
+      throw ItemNotFoundError("Cannot sort by \"" + std::string(text) + "\": there is no field \"" +
+                                  std::string(part) + "\".",
+                              "Recordset");
     }
     keys.push_back(key);
     at = end + 1;
