@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdint>
+#include <cstdio>
 #include <vector>
 
 #include "kelvary/platform/Text.h"
@@ -80,6 +81,18 @@ void NarrowWholeExpressions(RowSet& rows) {
       }
     }
   }
+}
+
+std::string CurrencyText(Currency value) {
+  const bool negative = value.scaled < 0;
+  // The magnitude as unsigned so that the smallest value does not overflow.
+  const uint64_t magnitude =
+      negative ? 0 - static_cast<uint64_t>(value.scaled) : static_cast<uint64_t>(value.scaled);
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%s%llu.%04llu", negative ? "-" : "",
+                static_cast<unsigned long long>(magnitude / 10000),
+                static_cast<unsigned long long>(magnitude % 10000));
+  return buffer;
 }
 
 }  // namespace kelvary::internal

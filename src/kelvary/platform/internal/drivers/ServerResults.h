@@ -35,4 +35,8 @@ TableName ParseTableName(std::string_view text);
 // the desktop database. Columns of a table keep their declared type.
 void NarrowWholeExpressions(RowSet& rows);
 
+// CurrencyText: a Currency as exact decimal text with its four places
+// ("-12.3400"), the form a server takes a parameter of that type in.
+std::string CurrencyText(Currency value);
+
 }  // namespace kelvary::internal

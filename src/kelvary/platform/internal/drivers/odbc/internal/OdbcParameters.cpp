@@ -5,23 +5,12 @@
 #include <cstdlib>
 
 #include "kelvary/platform/Error.h"
+#include "kelvary/platform/internal/drivers/ServerResults.h"
 
 namespace kelvary::odbc {
 namespace {
 
 constexpr int64_t kMicrosPerDay = 86400LL * 1000000LL;
-
-std::string CurrencyText(Currency value) {
-  const bool negative = value.scaled < 0;
-  // The magnitude as unsigned so that the smallest value does not overflow.
-  const uint64_t magnitude =
-      negative ? 0 - static_cast<uint64_t>(value.scaled) : static_cast<uint64_t>(value.scaled);
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%s%llu.%04llu", negative ? "-" : "",
-                static_cast<unsigned long long>(magnitude / 10000),
-                static_cast<unsigned long long>(magnitude % 10000));
-  return buffer;
-}
 
 }  // namespace
 
@@ -122,7 +111,7 @@ void ParameterBinder::Bind(SQLHSTMT stmt, SQLUSMALLINT number, const Variant& pa
       break;
     case vbCurrency:
       // Exact decimal text: a double would lose the fourth decimal of large amounts.
-      slot.narrow = CurrencyText(*param.Get<Currency>());
+      slot.narrow = internal::CurrencyText(*param.Get<Currency>());
       c_type = SQL_C_CHAR;
       sql_type = SQL_DECIMAL;
       column_size = 19;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kelvary/platform/Date.h"
+#include "kelvary/platform/internal/drivers/ServerResults.h"
 
 namespace kelvary::postgres {
 namespace {
@@ -222,18 +223,6 @@ std::string UuidText(const char* data, size_t length) {
   return text;
 }
 
-std::string CurrencyText(Currency value) {
-  const bool negative = value.scaled < 0;
-  // The magnitude as unsigned so that the smallest value does not overflow.
-  const uint64_t magnitude =
-      negative ? 0 - static_cast<uint64_t>(value.scaled) : static_cast<uint64_t>(value.scaled);
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%s%llu.%04llu", negative ? "-" : "",
-                static_cast<unsigned long long>(magnitude / 10000),
-                static_cast<unsigned long long>(magnitude % 10000));
-  return buffer;
-}
-
 // The server's microseconds from 2000-01-01 for a Date (its time of day
 // read as the serial's fraction, whatever the sign).
 int64_t ServerMicros(Date date) {
@@ -443,7 +432,7 @@ bool WriteParameter(const Variant& value, Parameter& out) {
     case vbCurrency:
       // Exact decimal text: a double would lose the fourth decimal of large amounts.
       out.oid = kOidNumeric;
-      out.bytes = CurrencyText(*value.Get<Currency>());
+      out.bytes = internal::CurrencyText(*value.Get<Currency>());
       return true;
     case vbDate:
       out.oid = kOidTimestamp;
