@@ -345,12 +345,8 @@ void Recordset::Move(int32_t rows) {
   engine_->Move(rows);
 }
 void Recordset::Move(int32_t rows, const Variant& start) {
-  // A BookmarkEnum value comes as a Long from a compiled host and as an
-  // Integer from a script; a bookmark is a Double, never taken for one.
-  const int16_t* small = start.Get<int16_t>();
-  const int32_t* large = start.Get<int32_t>();
-  const int32_t where = large ? *large : small ? *small : -1;
-  if (start.IsEmpty() || where == adBookmarkCurrent) return engine_->Move(rows);
+  const int32_t where = internal::StartOf(start);
+  if (where == adBookmarkCurrent) return engine_->Move(rows);
   if (where == adBookmarkFirst) {
     engine_->MoveFirst();
   } else if (where == adBookmarkLast) {

@@ -482,15 +482,7 @@ void CursorEngine::Find(const std::string& criteria_text, int32_t skip_rows,
   const int step = direction == adSearchForward ? 1 : -1;
   ptrdiff_t origin;
   bool from_deleted = false;
-  int32_t where = adBookmarkCurrent;
-  if (const auto* i = start.Get<int32_t>()) {
-    where = *i;
-  } else if (const auto* s = start.Get<int16_t>()) {
-    where = *s;
-  } else if (!start.IsEmpty()) {
-    where = -1;  // a bookmark
-  }
-  switch (where) {
+  switch (StartOf(start)) {
     case adBookmarkCurrent:
       origin = pos_;
       from_deleted = on_deleted_;
@@ -940,6 +932,12 @@ void CursorEngine::Delete() {
   Tell([row](CursorEngine& other) { other.RowRemoved(row); });
   ResetStatus();
   ChangedRows();
+}
+
+int32_t StartOf(const Variant& start) {
+  if (const auto* large = start.Get<int32_t>()) return *large;
+  if (const auto* small = start.Get<int16_t>()) return *small;
+  return start.IsEmpty() ? adBookmarkCurrent : kStartAtBookmark;
 }
 
 }  // namespace kelvary::internal

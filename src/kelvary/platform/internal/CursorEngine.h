@@ -433,4 +433,12 @@ std::string QuoteName(const std::string& name);
 // that what is read back and what is written are what the column holds.
 Variant ConvertForColumn(DataTypeEnum type, const Variant& value);
 
+// StartOf: where a Move, Find or GetRows given `start` begins: one of the
+// BookmarkEnum values, or kStartAtBookmark when start is a bookmark. A
+// BookmarkEnum value comes as a Long from a compiled host and as an Integer
+// from a script; a bookmark is a Double, never taken for one. Empty is the
+// current row.
+constexpr int32_t kStartAtBookmark = -1;
+int32_t StartOf(const Variant& start);
+
 }  // namespace kelvary::internal
