@@ -7,36 +7,18 @@
 namespace kelvary::testing {
 namespace {
 
-class RecordsetBatch : public BackendTest {
+class RecordsetBatch : public PatientsTest {
  protected:
-  void SetUp() override {
-    BackendTest::SetUp();
-    if (IsSkipped()) return;
-    db_ = NewDatabase();
-    db_.Run(PatientsSql(Traits()));
-    other_ = db_.Connect();
+  std::shared_ptr<Recordset> Batch(const std::string& sql = kAllPatients) {
+    return Open(sql, adLockBatchOptimistic);
   }
-  std::shared_ptr<Recordset> Batch(const std::string& sql = "SELECT * FROM patients ORDER BY ID") {
-    return OpenRecordset(db_.Connection(), sql, adLockBatchOptimistic);
-  }
-  // What the database holds now, read on a second connection.
-  std::string Stored(const std::string& sql) { return Rows(other_, sql); }
-  static std::string Names(Recordset& rs) { return Ids(rs, "LastName"); }
-  // Go: to the first row matching criteria (a number: that ID).
-  static void Go(Recordset& rs, int32_t id) { Go(rs, "ID = " + std::to_string(id)); }
-  static void Go(Recordset& rs, const std::string& criteria) {
-    rs.Find(criteria, 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
-  }
-
-  BackendDatabase db_;
-  std::shared_ptr<Connection> other_;
 };
 KELVARY_ON_EVERY_BACKEND(RecordsetBatch);
 
 constexpr const char* kAll = "SELECT ID, LastName, Balance FROM patients ORDER BY ID";
 
 TEST_P(RecordsetBatch, ChangesWaitInMemoryUntilUpdateBatchWritesThem) {
-  const std::string before = Stored(kAll);
+  const std::string before = StoredRows(kAll);
   auto rs = Batch();
   EXPECT_TRUE(rs->Supports(adUpdateBatch));
   EXPECT_EQ(rs->Status(), adRecUnmodified);
@@ -50,7 +32,7 @@ TEST_P(RecordsetBatch, ChangesWaitInMemoryUntilUpdateBatchWritesThem) {
   EXPECT_EQ(rs->Status(), adRecNew);
   EXPECT_TRUE(rs->Fields("ID").Value().IsNull());  // no key until written
   EXPECT_EQ(rs->RecordCount(), 6);
-  EXPECT_EQ(Stored(kAll), before);
+  EXPECT_EQ(StoredRows(kAll), before);
 
   Go(*rs, 2);
   EXPECT_EQ(rs->Status(), adRecModified);
@@ -68,7 +50,7 @@ TEST_P(RecordsetBatch, ChangesWaitInMemoryUntilUpdateBatchWritesThem) {
             kErrNoCurrentRecord);
 
   rs->UpdateBatch();
-  EXPECT_EQ(Stored(kAll),
+  EXPECT_EQ(StoredRows(kAll),
             "1|Smith|10.5,2|Byrne|40,3|smithers|-3.25,4|Jones|,6|Smith|7,7|Nguyen|12");
   rs->Filter(adFilterPendingRecords);
   EXPECT_EQ(rs->RecordCount(), 0);  // nothing is pending any more
@@ -88,7 +70,7 @@ TEST_P(RecordsetBatch, ChangesWaitInMemoryUntilUpdateBatchWritesThem) {
   Go(*rs, 7);
   rs->Fields("Balance").Value(int32_t{13});
   rs->UpdateBatch();
-  EXPECT_EQ(Stored("SELECT Balance FROM patients WHERE ID = 7"), "13");
+  EXPECT_EQ(StoredRows("SELECT Balance FROM patients WHERE ID = 7"), "13");
 }
 
 TEST_P(RecordsetBatch, ARowChangedOrDeletedElsewhereIsAConflictAndTheRestIsWritten) {
@@ -99,15 +81,15 @@ TEST_P(RecordsetBatch, ARowChangedOrDeletedElsewhereIsAConflictAndTheRestIsWritt
   }
   Go(*rs, 4);
   rs->Delete();
-  other_->Execute("UPDATE patients SET Balance = 50 WHERE ID = 2");
-  other_->Execute("DELETE FROM patients WHERE ID = 3");
+  Other()->Execute("UPDATE patients SET Balance = 50 WHERE ID = 2");
+  Other()->Execute("DELETE FROM patients WHERE ID = 3");
 
   const Error e = ErrorOf([&] { rs->UpdateBatch(); });
   EXPECT_EQ(e.Number(), kErrRowChanged);
   EXPECT_THAT(e.Description(), ::testing::StartsWith("Row cannot be located for updating. Some "
                                                      "values may have been changed since it was "
                                                      "last read."));
-  EXPECT_EQ(Stored(kAll), "1|Smith|100,2|O'Brien|50,5|Brown|99,6|Smith|7");
+  EXPECT_EQ(StoredRows(kAll), "1|Smith|100,2|O'Brien|50,5|Brown|99,6|Smith|7");
 
   rs->Filter(adFilterConflictingRecords);
   EXPECT_EQ(Ids(*rs), "2,3");
@@ -130,7 +112,7 @@ TEST_P(RecordsetBatch, ARowChangedOrDeletedElsewhereIsAConflictAndTheRestIsWritt
 }
 
 TEST_P(RecordsetBatch, CancelBatchTakesBackWhatItsAffectNames) {
-  const std::string before = Stored(kAll);
+  const std::string before = StoredRows(kAll);
   auto rs = Batch();
   Go(*rs, 1);
   rs->Fields("LastName").Value("Smyth");
@@ -160,18 +142,18 @@ TEST_P(RecordsetBatch, CancelBatchTakesBackWhatItsAffectNames) {
   EXPECT_EQ(Ids(*rs), "1,2,3,4,5,6");  // the new row gone, the deleted one back
   EXPECT_EQ(Names(*rs), "Smith,O'Brien,smithers,Jones,Brown,Smith");
   rs->UpdateBatch();  // nothing left to send
-  EXPECT_EQ(Stored(kAll), before);
+  EXPECT_EQ(StoredRows(kAll), before);
 }
 
 TEST_P(RecordsetBatch, ARefusalOtherThanAConflictRollsTheWholeBatchBack) {
-  const std::string before = Stored(kAll);
+  const std::string before = StoredRows(kAll);
   auto rs = Batch();
   Go(*rs, 1);
   rs->Fields("Balance").Value(int32_t{5});
   rs->AddNew({"ID", "LastName"}, {Variant(int32_t{2}), Variant("Twice")});  // a key that is taken
   const Error e = ErrorOf([&] { rs->UpdateBatch(); });
   EXPECT_EQ(e.Number(), kErrProviderFailure);
-  EXPECT_EQ(Stored(kAll), before);  // row 1 went back with it
+  EXPECT_EQ(StoredRows(kAll), before);  // row 1 went back with it
   EXPECT_EQ(rs->Status(), adRecNew | adRecIntegrityViolation);
   rs->Filter(adFilterPendingRecords);
   EXPECT_EQ(Names(*rs), "Smith,Twice");
@@ -180,7 +162,8 @@ TEST_P(RecordsetBatch, ARefusalOtherThanAConflictRollsTheWholeBatchBack) {
   Go(*rs, "LastName = 'Twice'");
   rs->Fields("ID").Value(int32_t{9});
   rs->UpdateBatch();
-  EXPECT_EQ(Stored("SELECT ID, Balance FROM patients WHERE ID IN (1, 9) ORDER BY ID"), "1|5,9|");
+  EXPECT_EQ(StoredRows("SELECT ID, Balance FROM patients WHERE ID IN (1, 9) ORDER BY ID"),
+            "1|5,9|");
 }
 
 TEST_P(RecordsetBatch, TheConnectionsOwnTransactionHoldsTheBatch) {
@@ -190,7 +173,7 @@ TEST_P(RecordsetBatch, TheConnectionsOwnTransactionHoldsTheBatch) {
   db_.Connection()->BeginTrans();
   rs->UpdateBatch();
   db_.Connection()->RollbackTrans();
-  EXPECT_EQ(Stored("SELECT LastName FROM patients WHERE ID = 1"), "Smith");
+  EXPECT_EQ(StoredRows("SELECT LastName FROM patients WHERE ID = 1"), "Smith");
 
   // Without batch updating the calls only settle a pending edit.
   auto immediate = OpenRecordset(db_.Connection(), kAll, adLockOptimistic);
@@ -198,7 +181,7 @@ TEST_P(RecordsetBatch, TheConnectionsOwnTransactionHoldsTheBatch) {
   immediate->Fields("LastName").Value("Smythe");
   EXPECT_EQ(immediate->Status(), adRecUnmodified);
   immediate->UpdateBatch();
-  EXPECT_EQ(Stored("SELECT LastName FROM patients WHERE ID = 1"), "Smythe");
+  EXPECT_EQ(StoredRows("SELECT LastName FROM patients WHERE ID = 1"), "Smythe");
   immediate->Filter(adFilterPendingRecords);
   EXPECT_EQ(immediate->RecordCount(), 0);
 

@@ -9,26 +9,11 @@
 namespace kelvary::testing {
 namespace {
 
-class RecordsetClones : public BackendTest {
+class RecordsetClones : public PatientsTest {
  protected:
-  void SetUp() override {
-    BackendTest::SetUp();
-    if (IsSkipped()) return;
-    db_ = NewDatabase();
-    db_.Run(PatientsSql(Traits()));
-    other_ = db_.Connect();
-  }
   std::shared_ptr<Recordset> Open(LockTypeEnum lock = adLockOptimistic) {
-    return OpenRecordset(db_.Connection(), "SELECT * FROM patients ORDER BY ID", lock);
+    return PatientsTest::Open(kAllPatients, lock);
   }
-  std::string Stored(const std::string& sql) { return Rows(other_, sql); }
-  static std::string Names(Recordset& rs) { return Ids(rs, "LastName"); }
-  static void Go(Recordset& rs, int32_t id) {
-    rs.Find("ID = " + std::to_string(id), 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
-  }
-
-  BackendDatabase db_;
-  std::shared_ptr<Connection> other_;
 };
 KELVARY_ON_EVERY_BACKEND(RecordsetClones);
 
@@ -47,7 +32,7 @@ TEST_P(RecordsetClones, AChangeThroughAnyCloneIsSeenByAll) {
   EXPECT_EQ(Names(*rs), "Smith,Byrne,smithers,Jones,Brown,Smith");
   Go(*second, 3);
   EXPECT_EQ(CStr(second->Fields("FirstName").Value()), "Pauline");
-  EXPECT_EQ(Stored("SELECT LastName, FirstName FROM patients WHERE ID IN (2, 3) ORDER BY ID"),
+  EXPECT_EQ(StoredRows("SELECT LastName, FirstName FROM patients WHERE ID IN (2, 3) ORDER BY ID"),
             "Byrne|Mary,smithers|Pauline");
 
   // AddNew: at once in a clone that shows every row, at the end, with the
@@ -82,7 +67,7 @@ TEST_P(RecordsetClones, AChangeThroughAnyCloneIsSeenByAll) {
   EXPECT_EQ(CLng(second->Fields("ID").Value()), 6);
   EXPECT_EQ(rs->RecordCount(), 6);
   EXPECT_EQ(second->RecordCount(), 3);
-  EXPECT_EQ(Stored("SELECT COUNT(*) FROM patients WHERE ID = 5"), "0");
+  EXPECT_EQ(StoredRows("SELECT COUNT(*) FROM patients WHERE ID = 5"), "0");
 
   // A new row taken back leaves the others as it came.
   rs->AddNew();
@@ -91,7 +76,7 @@ TEST_P(RecordsetClones, AChangeThroughAnyCloneIsSeenByAll) {
   EXPECT_EQ(CStr(clone->Fields("LastName").Value()), "Kowalski");
   rs->CancelUpdate();
   EXPECT_EQ(Ids(*clone), "1,2,3,4,6,7");
-  EXPECT_EQ(Stored("SELECT COUNT(*) FROM patients"), "6");
+  EXPECT_EQ(StoredRows("SELECT COUNT(*) FROM patients"), "6");
 }
 
 TEST_P(RecordsetClones, EachKeepsItsOwnPositionFilterAndSortAndTheBookmarksOfAll) {
@@ -175,7 +160,7 @@ TEST_P(RecordsetClones, ClosingOneLeavesTheOthersOpenOnTheSameRows) {
 
 TEST_P(RecordsetClones, BatchChangesArePendingInEveryClone) {
   const std::string all = "SELECT ID, LastName, Balance FROM patients ORDER BY ID";
-  const std::string before = Stored(all);
+  const std::string before = StoredRows(all);
   auto rs = Open(adLockBatchOptimistic);
   auto clone = rs->Clone();
   Go(*clone, 2);
@@ -193,7 +178,7 @@ TEST_P(RecordsetClones, BatchChangesArePendingInEveryClone) {
   EXPECT_EQ(Names(*clone), "O'Brien,Brown,Nguyen");
   rs->Filter(adFilterPendingRecords);
   EXPECT_EQ(Names(*rs), "O'Brien,Brown,Nguyen");
-  EXPECT_EQ(Stored(all), before);
+  EXPECT_EQ(StoredRows(all), before);
 
   // Taken back through one, the deleted row comes back in the other and
   // the new one goes.
@@ -209,7 +194,7 @@ TEST_P(RecordsetClones, BatchChangesArePendingInEveryClone) {
   clone->Update();
   rs->Filter(adFilterNone);
   rs->UpdateBatch();
-  EXPECT_EQ(Stored("SELECT LastName FROM patients WHERE ID = 6"), "Smythe");
+  EXPECT_EQ(StoredRows("SELECT LastName FROM patients WHERE ID = 6"), "Smythe");
   clone->Filter(adFilterPendingRecords);
   EXPECT_EQ(clone->RecordCount(), 0);
   clone->Filter(adFilterAffectedRecords);

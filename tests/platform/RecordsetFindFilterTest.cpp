@@ -11,17 +11,14 @@ namespace {
 
 using internal::Criteria;
 
-class RecordsetFindFilter : public BackendTest {
+class RecordsetFindFilter : public PatientsTest {
  protected:
   void SetUp() override {
-    BackendTest::SetUp();
+    PatientsTest::SetUp();
     if (IsSkipped()) return;
-    db_ = NewDatabase();
-    db_.Run(PatientsSql(Traits()));
-    rs_ = OpenRecordset(db_.Connection(), "SELECT * FROM patients ORDER BY ID");
+    rs_ = Open();
   }
   int32_t CurrentId() { return CLng(rs_->Fields("ID").Value()); }
-  BackendDatabase db_;
   std::shared_ptr<Recordset> rs_;
 };
 KELVARY_ON_EVERY_BACKEND(RecordsetFindFilter);

@@ -13,22 +13,12 @@ namespace {
 const Variant kFirst(int32_t{adBookmarkFirst});
 const Variant kLast(int32_t{adBookmarkLast});
 
-class RecordsetMembers : public BackendTest {
+class RecordsetMembers : public PatientsTest {
  protected:
-  void SetUp() override {
-    BackendTest::SetUp();
-    if (IsSkipped()) return;
-    db_ = NewDatabase();
-    db_.Run(PatientsSql(Traits()));
-  }
-  std::shared_ptr<Recordset> Open(const std::string& sql, LockTypeEnum lock = adLockReadOnly) {
-    return OpenRecordset(db_.Connection(), sql, lock);
-  }
   int32_t Count(const std::string& where) {
     auto rs = Open("SELECT COUNT(*) FROM patients WHERE " + where);
     return CLng(rs->Fields(0).Value());
   }
-  BackendDatabase db_;
 };
 KELVARY_ON_EVERY_BACKEND(RecordsetMembers);
 

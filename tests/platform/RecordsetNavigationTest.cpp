@@ -6,19 +6,7 @@
 namespace kelvary::testing {
 namespace {
 
-class RecordsetNavigation : public BackendTest {
- protected:
-  void SetUp() override {
-    BackendTest::SetUp();
-    if (IsSkipped()) return;
-    db_ = NewDatabase();
-    db_.Run(PatientsSql(Traits()));
-  }
-  std::shared_ptr<Recordset> Open(const std::string& sql) {
-    return OpenRecordset(db_.Connection(), sql);
-  }
-  BackendDatabase db_;
-};
+using RecordsetNavigation = PatientsTest;
 KELVARY_ON_EVERY_BACKEND(RecordsetNavigation);
 
 TEST_P(RecordsetNavigation, EmptyResultIsAtBothEndsAndHasNoCurrentRecord) {

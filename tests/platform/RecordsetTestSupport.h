@@ -60,4 +60,41 @@ inline std::string PatientsSql(const BackendTraits& traits = {}) {
          traits.SyncAutoKey("patients", "ID");
 }
 
+// PatientsTest: each test on a new database of the backend under test
+// holding the six patients, with a second connection (made when first asked
+// for) to read what was stored.
+class PatientsTest : public BackendTest {
+ protected:
+  static constexpr const char* kAllPatients = "SELECT * FROM patients ORDER BY ID";
+
+  void SetUp() override {
+    BackendTest::SetUp();
+    if (IsSkipped()) return;
+    db_ = NewDatabase();
+    db_.Run(PatientsSql(Traits()));
+  }
+  std::shared_ptr<Recordset> Open(const std::string& sql = kAllPatients,
+                                  LockTypeEnum lock = adLockReadOnly) {
+    return OpenRecordset(db_.Connection(), sql, lock);
+  }
+  const std::shared_ptr<Connection>& Other() {
+    if (!other_) other_ = db_.Connect();
+    return other_;
+  }
+  // The rows of sql as the database holds them now, read on the second
+  // connection.
+  std::string StoredRows(const std::string& sql) { return Rows(Other(), sql); }
+  static std::string Names(Recordset& rs) { return Ids(rs, "LastName"); }
+  // Go: to the first row matching criteria (a number: that ID).
+  static void Go(Recordset& rs, int32_t id) { Go(rs, "ID = " + std::to_string(id)); }
+  static void Go(Recordset& rs, const std::string& criteria) {
+    rs.Find(criteria, 0, adSearchForward, Variant(int32_t{adBookmarkFirst}));
+  }
+
+  BackendDatabase db_;
+
+ private:
+  std::shared_ptr<Connection> other_;
+};
+
 }  // namespace kelvary::testing

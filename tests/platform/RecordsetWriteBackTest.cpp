@@ -7,27 +7,17 @@
 namespace kelvary::testing {
 namespace {
 
-class RecordsetWriteBack : public BackendTest {
+class RecordsetWriteBack : public PatientsTest {
  protected:
-  void SetUp() override {
-    BackendTest::SetUp();
-    if (IsSkipped()) return;
-    db_ = NewDatabase();
-    db_.Run(PatientsSql(Traits()));
-    other_ = db_.Connect();
+  std::shared_ptr<Recordset> Editable(const std::string& sql = kAllPatients) {
+    return Open(sql, adLockOptimistic);
   }
-  std::shared_ptr<Recordset> Editable(
-      const std::string& sql = "SELECT * FROM patients ORDER BY ID") {
-    return OpenRecordset(db_.Connection(), sql, adLockOptimistic);
-  }
-  // What the database holds now, read on a second connection.
+  // The first value of sql as the database holds it now, read on the
+  // second connection.
   Variant Stored(const std::string& sql) {
-    auto rs = OpenRecordset(other_, sql);
+    auto rs = OpenRecordset(Other(), sql);
     return rs->Eof() ? Variant() : Variant(rs->Fields(0).Value());
   }
-  std::string StoredRows(const std::string& sql) { return Rows(other_, sql); }
-  BackendDatabase db_;
-  std::shared_ptr<Connection> other_;
 };
 KELVARY_ON_EVERY_BACKEND(RecordsetWriteBack);
 
