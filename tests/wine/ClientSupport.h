@@ -140,4 +140,25 @@ inline void Let(IDispatch* o, const wchar_t* name, Arg value) {
   if (FAILED(out.hr)) std::printf("note: setting %ls failed (0x%08lX)\n", name, out.hr);
 }
 
+// ClientMain: a client's whole program: COM started, run(MAIN.db, SYSTEM.db),
+// COM stopped, and the count printed last ("N passed, M failed"), which the
+// CI script reads. Exit 0 only when nothing failed, 2 for a usage error.
+inline int ClientMain(int argc, wchar_t** argv, const char* program,
+                      int (*run)(const wchar_t* main_db, const wchar_t* system_db)) {
+  if (argc < 3) {
+    std::printf("usage: %s MAIN.db SYSTEM.db\n0 passed, 1 failed\n", program);
+    return 2;
+  }
+  if (FAILED(CoInitialize(nullptr))) {
+    std::printf("CoInitialize failed\n0 passed, 1 failed\n");
+    return 2;
+  }
+  run(argv[1], argv[2]);
+  CoFreeUnusedLibraries();
+  CoUninitialize();
+  std::printf("%d passed, %d failed\n", passed, failed);
+  std::fflush(stdout);
+  return failed == 0 ? 0 : 1;
+}
+
 }  // namespace wine_client

@@ -487,18 +487,5 @@ int Run(const wchar_t* main_db, const wchar_t* system_db) {
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-  if (argc < 3) {
-    std::printf("usage: kelvary_early_client MAIN.db SYSTEM.db\n0 passed, 1 failed\n");
-    return 2;
-  }
-  if (FAILED(CoInitialize(nullptr))) {
-    std::printf("CoInitialize failed\n0 passed, 1 failed\n");
-    return 2;
-  }
-  Run(argv[1], argv[2]);
-  CoFreeUnusedLibraries();
-  CoUninitialize();
-  std::printf("%d passed, %d failed\n", passed, failed);
-  std::fflush(stdout);
-  return failed == 0 ? 0 : 1;
+  return wine_client::ClientMain(argc, argv, "kelvary_early_client", Run);
 }
