@@ -18,9 +18,7 @@
 #include "kelvary/platform/Text.h"
 #include "support/TestDatabase.h"
 
-#ifdef KELVARY_HAVE_ODBC
-#include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
-#endif
+#include "kelvary/platform/internal/drivers/DriverFactory.h"
 
 namespace kelvary::testing {
 namespace {
@@ -224,7 +222,28 @@ std::string PgSetting(const std::string& key) {
   return "";
 }
 
-#ifdef KELVARY_HAVE_ODBC
+// PgProvider: the connection string that opens database through
+// PostgreSQL's own client on the test server.
+std::string PgProvider(const std::string& database) {
+  return "Provider=PostgreSQL;Host=" + PgSetting("host") + ";Port=" + PgSetting("port") +
+         ";Database=" + database + ";User ID=" + PgSetting("user") +
+         ";Password=" + PgSetting("password");
+}
+
+#if defined(KELVARY_HAVE_ODBC) || defined(KELVARY_HAVE_LIBPQ)
+
+// ControlString: what the pool's control connection opens. On PostgreSQL,
+// the server's own client when the build has it and the server is named, so
+// that the libpq backend runs where ODBC is missing; else the kind's control
+// data source.
+std::string ControlString(const ServerKind& kind) {
+#ifdef KELVARY_HAVE_LIBPQ
+  if (&kind == &kPostgres && !EnvOrEmpty("KELVARY_TEST_PG_CONNINFO").empty()) {
+    return PgProvider(PgSetting("dbname"));
+  }
+#endif
+  return "DSN=" + EnvOrEmpty(kind.dsn_env);
+}
 
 std::string WithSlot(const char* sql, int slot) {
   std::string text = sql;
@@ -233,7 +252,7 @@ std::string WithSlot(const char* sql, int slot) {
 }
 
 // ServerPool: the slots of this process on one server, taken on one control
-// connection to the kind's control data source. The connection lives as
+// connection (ControlString). The connection lives as
 // long as the process (never freed on purpose: the server releases its
 // locks when the process ends, however it ends).
 class ServerPool {
@@ -304,7 +323,7 @@ class ServerPool {
                                dsn_ + "_1, " + dsn_ + "_2, ... that " + kind.script +
                                " registers, and its size");
     }
-    control_ = OpenOdbcConnection("DSN=" + dsn_, "", "");
+    control_ = internal::OpenDriver(ControlString(kind), "", "", 30);
     database_ = CStr(Scalar(kind.current_db));
   }
 
@@ -358,11 +377,7 @@ class ServerDatabase : public BackendDatabase::Impl {
     }
   }
   std::string ConnectionString() const override {
-    if (client_ == ServerClient::kLibpq) {
-      return "Provider=PostgreSQL;Host=" + PgSetting("host") + ";Port=" + PgSetting("port") +
-             ";Database=" + pool_.DatabaseName(slot_) + ";User ID=" + PgSetting("user") +
-             ";Password=" + PgSetting("password");
-    }
+    if (client_ == ServerClient::kLibpq) return PgProvider(pool_.DatabaseName(slot_));
     return "DSN=" + data_source_;
   }
 
@@ -381,11 +396,6 @@ class ServerBackend : public Backend {
       : kind_(kind), traits_(std::move(traits)), client_(client) {}
   const BackendTraits& Traits() const override { return traits_; }
   std::string SkipReason() const override {
-    if (EnvOrEmpty(kind_.dsn_env).empty()) return NoServer(kind_);
-#ifndef KELVARY_HAVE_ODBC
-    // The test databases are handed out over an ODBC control connection.
-    return "the library was built without ODBC (unixODBC's headers were not found)";
-#else
     if (client_ == ServerClient::kLibpq) {
 #ifndef KELVARY_HAVE_LIBPQ
       return "the library was built without PostgreSQL's client (libpq's headers were not found)";
@@ -394,13 +404,18 @@ class ServerBackend : public Backend {
         return "KELVARY_TEST_PG_CONNINFO is not set: eval \"$(scripts/pg-test-server.sh start)\" "
                "sets it";
       }
+      return "";
 #endif
     }
+    if (EnvOrEmpty(kind_.dsn_env).empty()) return NoServer(kind_);
+#ifndef KELVARY_HAVE_ODBC
+    return "the library was built without ODBC (unixODBC's headers were not found)";
+#else
     return "";
 #endif
   }
   BackendDatabase NewDatabase(const std::string&) const override {
-#ifdef KELVARY_HAVE_ODBC
+#if defined(KELVARY_HAVE_ODBC) || defined(KELVARY_HAVE_LIBPQ)
     return BackendDatabase(std::make_unique<ServerDatabase>(kind_, client_));
 #else
     throw std::runtime_error(SkipReason());
