@@ -57,6 +57,47 @@ TEST_P(RecordsetWriteBack, UpdateChangesOnlyTheRowByKeyAndOriginalValues) {
   EXPECT_EQ(Stored("SELECT COUNT(*) FROM patients WHERE Balance = 1.5"), Traits().Count(1));
 }
 
+TEST_P(RecordsetWriteBack, EachEditWritesItsOwnFieldsWhateverCameBefore) {
+  // Edits in a row whose changed fields and Null originals come and go: a
+  // statement made for one edit serves the next only when it fits.
+  auto rs = Editable();
+  struct Edit {
+    int32_t id;
+    std::vector<std::pair<std::string, Variant>> fields;
+  };
+  const std::vector<Edit> edits = {
+      {1, {{"Balance", Variant(1.0)}}},
+      {2, {{"Balance", Variant(2.0)}}},  // the same field again
+      {3, {{"FirstName", Variant("Pat")}}},
+      {4, {{"Balance", Variant(4.0)}}},  // read as Null
+      {5, {{"FirstName", Variant("Anne")}, {"Balance", Variant(5.0)}}},
+      {6, {{"Balance", Variant(6.0)}}},
+  };
+  for (const Edit& edit : edits) {
+    rs->Find("ID = " + std::to_string(edit.id));
+    for (const auto& [name, value] : edit.fields)
+      rs->Fields(name).Value(value);
+    rs->Update();
+  }
+  EXPECT_EQ(StoredRows("SELECT ID, FirstName, Balance FROM patients ORDER BY ID"),
+            "1|John|1,2|Mary|2,3|Pat|-3.25,4||4,5|Anne|5,6|Jane|6");
+
+  // A row changed elsewhere is refused by a statement already made.
+  rs->MoveFirst();
+  db_.Connect()->Execute("UPDATE patients SET Balance = 100 WHERE ID = 1");
+  rs->Fields("Balance").Value(7.0);
+  EXPECT_EQ(ErrorOf([&] { rs->Update(); }).Number(), kErrRowChanged);
+  EXPECT_EQ(rs->Fields("Balance").Status(), adFieldUnavailable);
+  rs->CancelUpdate();
+
+  // A table changed elsewhere still takes the statements made before.
+  db_.Connect()->Execute("ALTER TABLE patients ADD COLUMN Note VARCHAR(20)");
+  rs->Find("ID = 2");
+  rs->Fields("Balance").Value(8.0);
+  rs->Update();
+  EXPECT_EQ(StoredRows("SELECT ID, Balance FROM patients WHERE ID <= 2 ORDER BY ID"), "1|100,2|8");
+}
+
 TEST_P(RecordsetWriteBack, MovingOffAChangedRowCommitsIt) {
   auto rs = Editable();
   while (!rs->Eof()) {  // the system's bulk assignment: set, move, never Update

@@ -878,6 +878,11 @@ void CursorEngine::Update() {
       ChangedRows();  // the database may have supplied values
     } else {
       writer_->Update(RowChange{columns_, row, originals_.data(), changed_, status_});
+      // The row holds what it held since the fields were set, when the
+      // clones were told: nothing more to tell them.
+      EndEdit();
+      ResetStatus();
+      return;
     }
   }
   ChangedRows();  // the clones see the values written

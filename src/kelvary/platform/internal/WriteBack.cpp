@@ -31,10 +31,15 @@ bool IsNothing(const Variant& v) {
       kSource);
 }
 
-// Located: a statement's text and the WHERE clause in it that finds its row.
+// Located: a statement's text, the WHERE clause in it that finds its row,
+// and where its parameters come from: the new values of the fields in set,
+// then the values as read of the fields in located. All of it follows from
+// the statement's shape, so it is worked out once with the text.
 struct Located {
   std::string sql;
   std::string where;
+  std::vector<int32_t> set;
+  std::vector<int32_t> located;
 };
 
 class Writer final : public RowWriter {
@@ -55,6 +60,7 @@ class Writer final : public RowWriter {
     names_.resize(columns.size());
     quoted_names_.resize(columns.size());
     types_.resize(columns.size());
+    is_key_.assign(columns.size(), 0);
     for (int32_t c : base_columns_) {
       const ColumnInfo& column = columns[static_cast<size_t>(c)];
       names_[static_cast<size_t>(c)] = column.base_column;
@@ -92,7 +98,11 @@ class Writer final : public RowWriter {
           }
         }
         key_ordinals_.push_back(ordinal);
-        if (ordinal < 0) key_fetched_ = false;
+        if (ordinal < 0) {
+          key_fetched_ = false;
+        } else {
+          is_key_[static_cast<size_t>(ordinal)] = 1;
+        }
       }
       key_known_ = true;
     }
@@ -103,39 +113,49 @@ class Writer final : public RowWriter {
     return quoted_names_[static_cast<size_t>(ordinal)];
   }
 
-  bool IsKey(int32_t ordinal) const {
-    return std::find(key_ordinals_.begin(), key_ordinals_.end(), ordinal) != key_ordinals_.end();
-  }
+  bool IsKey(int32_t ordinal) const { return is_key_[static_cast<size_t>(ordinal)] != 0; }
 
   // Locate: the WHERE clause that finds the row as it was read: by its key
   // and, for an update, the original values of the changed fields; without
   // a fetched key, by the original values of all the table's fields. A Null
   // is matched by IS NULL, so the text depends on which values are Null too.
-  // Only the parameters are collected when where is null.
-  void Locate(DriverConnection& driver, const Variant* originals, const std::vector<bool>* changed,
-              std::string* where, std::vector<Variant>& params) {
+  // changed is the update's Shape after its kind (one code per table
+  // column), null for a delete. located receives the fields whose values
+  // are the clause's parameters, in their order.
+  void Locate(DriverConnection& driver, const Variant* originals, const char* changed,
+              std::string& where, std::vector<int32_t>& located) {
     auto add = [&](int32_t ordinal) {
-      const Variant& original = originals[ordinal];
-      const bool null = IsNothing(original);
-      if (!null) params.push_back(original);
-      if (!where) return;
-      if (!where->empty()) *where += " AND ";
+      const bool null = IsNothing(originals[ordinal]);
+      if (!null) located.push_back(ordinal);
+      if (!where.empty()) where += " AND ";
       const std::string& name = QuotedName(ordinal);
-      *where += null ? name + " IS NULL"
-                     : driver.EqualsParameter(name, types_[static_cast<size_t>(ordinal)]);
+      where += null ? name + " IS NULL"
+                    : driver.EqualsParameter(name, types_[static_cast<size_t>(ordinal)]);
     };
     if (key_fetched_) {
       for (int32_t k : key_ordinals_)
         add(k);
       if (changed) {
-        for (int32_t c : base_columns_) {
-          if ((*changed)[static_cast<size_t>(c)] && !IsKey(c)) add(c);
+        for (size_t i = 0; i < base_columns_.size(); ++i) {
+          const int32_t c = base_columns_[i];
+          if (IsChangedCode(changed[i]) && !IsKey(c)) add(c);
         }
       }
     } else {
       for (int32_t c : base_columns_)
         add(c);
     }
+  }
+
+  // Parameters: the values statement takes, the new ones of its set fields
+  // from values, then those that locate the row from originals.
+  static void Parameters(const Located& statement, const Variant* values, const Variant* originals,
+                         std::vector<Variant>& params) {
+    params.reserve(statement.set.size() + statement.located.size());
+    for (int32_t c : statement.set)
+      params.push_back(values[c]);
+    for (int32_t c : statement.located)
+      params.push_back(originals[c]);
   }
 
   // RefuseAmbiguous: without its key, a row is found by its values; when
@@ -175,58 +195,65 @@ class Writer final : public RowWriter {
 
   // Statement: text made once per shape and kept.
   template <class Make>
-  const Located& Statement(std::string shape, Make&& make) {
+  const Located& Statement(const std::string& shape, Make&& make) {
     if (last_statement_ != nullptr && last_statement_->first == shape) {
       return last_statement_->second;  // a run of edits to the same fields
     }
     auto it = statements_.find(shape);
-    if (it == statements_.end()) it = statements_.emplace(std::move(shape), make()).first;
+    if (it == statements_.end()) it = statements_.emplace(shape, make()).first;
     last_statement_ = &*it;
     return it->second;
   }
 
   // Shape: which fields a write touches and which originals are Null, as a
-  // key for the statement it needs.
-  std::string Shape(char kind, const RowChange& change, const Variant* originals) const {
-    std::string key(1, kind);
-    for (int32_t c : base_columns_) {
-      const bool changed = change.changed[static_cast<size_t>(c)];
+  // key for the statement it needs: the kind, then one code per table
+  // column. Written into shape_, whose room is kept from one write to the
+  // next.
+  const std::string& Shape(char kind, const RowChange& change, const Variant* originals) {
+    shape_.resize(base_columns_.size() + 1);
+    shape_[0] = kind;
+    for (size_t i = 0; i < base_columns_.size(); ++i) {
+      const auto c = static_cast<size_t>(base_columns_[i]);
+      const bool changed = change.changed[c];
       const bool null = originals && IsNothing(originals[c]);
-      key += static_cast<char>('0' + (changed ? 1 : 0) + (null ? 2 : 0));
+      shape_[i + 1] = static_cast<char>('0' + (changed ? 1 : 0) + (null ? 2 : 0));
     }
-    return key;
+    return shape_;
   }
+  static bool IsChangedCode(char code) { return ((code - '0') & 1) != 0; }
 
   void WriteUpdate(const RowChange& change) {
     DriverConnection& driver = Driver();
-    // The values written, then those that locate; the vector's room is
-    // reused from one update to the next, its values let go on the way out.
+    // The shape is read first, each field looked at once: a run of edits to
+    // the same fields finds its statement, and where its values come from,
+    // without building anything.
+    const std::string& shape = Shape('U', change, change.originals);
+    const Located& statement = Statement(shape, [&] {
+      const char* codes = shape.data() + 1;
+      Located made;
+      std::string set;
+      for (size_t i = 0; i < base_columns_.size(); ++i) {
+        if (!IsChangedCode(codes[i])) continue;
+        if (!set.empty()) set += ", ";
+        set += QuotedName(base_columns_[i]) + " = ?";
+        made.set.push_back(base_columns_[i]);
+      }
+      if (made.set.empty()) return made;  // only fields that no table holds were changed
+      Locate(driver, change.originals, codes, made.where, made.located);
+      made.sql = "UPDATE " + quoted_table_ + " SET " + set + " WHERE " + made.where;
+      return made;
+    });
+    if (statement.set.empty()) return;
+    // The vector's room is reused from one update to the next, its values
+    // let go on the way out.
     struct Cleared {
       std::vector<Variant>& values;
       ~Cleared() { values.clear(); }
     } cleared{update_params_};
     std::vector<Variant>& params = update_params_;
     params.clear();
-    params.reserve(base_columns_.size() * 2);
-    for (int32_t c : base_columns_) {
-      if (change.changed[static_cast<size_t>(c)]) params.push_back(change.values[c]);
-    }
-    if (params.empty()) return;  // only fields that no table holds were changed
-    const auto set_count = static_cast<ptrdiff_t>(params.size());
-    Locate(driver, change.originals, &change.changed, nullptr, params);
-    const Located& statement = Statement(Shape('U', change, change.originals), [&] {
-      Located made;
-      std::vector<Variant> ignored;
-      Locate(driver, change.originals, &change.changed, &made.where, ignored);
-      std::string set;
-      for (int32_t c : base_columns_) {
-        if (!change.changed[static_cast<size_t>(c)]) continue;
-        if (!set.empty()) set += ", ";
-        set += QuotedName(c) + " = ?";
-      }
-      made.sql = "UPDATE " + quoted_table_ + " SET " + set + " WHERE " + made.where;
-      return made;
-    });
+    Parameters(statement, change.values, change.originals, params);
+    const auto set_count = static_cast<ptrdiff_t>(statement.set.size());
     StatementResult result;
     try {
       if (!key_fetched_) {
@@ -373,15 +400,14 @@ class Writer final : public RowWriter {
 
   void WriteDelete(const RowChange& change) {
     DriverConnection& driver = Driver();
-    std::vector<Variant> params;
-    Locate(driver, change.values, nullptr, nullptr, params);
     const Located& statement = Statement(Shape('D', change, change.values), [&] {
       Located made;
-      std::vector<Variant> ignored;
-      Locate(driver, change.values, nullptr, &made.where, ignored);
+      Locate(driver, change.values, nullptr, made.where, made.located);
       made.sql = "DELETE FROM " + quoted_table_ + " WHERE " + made.where;
       return made;
     });
+    std::vector<Variant> params;
+    Parameters(statement, change.values, change.values, params);
     if (!key_fetched_) RefuseAmbiguous(driver, statement.where, params, statement.sql);
     const StatementResult result = driver.Run(statement.sql, params, 0);
     if (result.records_affected == 0) ThrowRowChanged(statement.sql);
@@ -403,6 +429,8 @@ class Writer final : public RowWriter {
   std::map<std::string, Located> statements_;  // by Shape
   const std::pair<const std::string, Located>* last_statement_ = nullptr;
   std::vector<Variant> update_params_;  // kept between updates for its room
+  std::vector<char> is_key_;            // by ordinal: a key column among the fields
+  std::string shape_;                   // the last Shape, its room kept
 };
 
 }  // namespace

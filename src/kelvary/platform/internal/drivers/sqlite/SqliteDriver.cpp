@@ -61,21 +61,27 @@ struct Prepared {
   sqlite3_stmt* stmt = nullptr;
   std::vector<ColumnInfo> columns;
   std::vector<ValueKind> kinds;
-  int reprepares = 0;    // SQLite re-prepares after a schema change; columns are read again
-  size_t last_rows = 0;  // rows of the last run: the next run reserves room for as many
+  int reprepares = 0;           // SQLite re-prepares after a schema change; columns are read again
+  bool changes_schema = false;  // CREATE, ALTER or DROP: the keys read so far may be stale
+  size_t last_rows = 0;         // rows of the last run: the next run reserves room for as many
   std::list<std::string>::iterator lru;
 };
 
 // Leaves a statement ready for its next use, whatever happened to this one.
+// Every run binds each parameter afresh, so the bindings are only let go
+// when one of them points into the caller's values, which may not outlive
+// the run.
 class ResetOnExit {
  public:
   explicit ResetOnExit(sqlite3_stmt* stmt) : stmt_(stmt) {}
   ~ResetOnExit() {
     sqlite3_reset(stmt_);
-    sqlite3_clear_bindings(stmt_);
+    if (borrowed) sqlite3_clear_bindings(stmt_);
   }
   ResetOnExit(const ResetOnExit&) = delete;
   ResetOnExit& operator=(const ResetOnExit&) = delete;
+
+  bool borrowed = false;  // a text is bound without a copy
 
  private:
   sqlite3_stmt* stmt_;
@@ -308,7 +314,7 @@ class SqliteConnection final : public DriverConnection {
     Prepared& prepared = Prepare(literals ? literals->text : sql, sql);
     sqlite3_stmt* stmt = prepared.stmt;
     ResetOnExit reset(stmt);
-    Bind(stmt, literals ? literals->values : params, sql);
+    Bind(stmt, literals ? literals->values : params, sql, reset.borrowed);
 
     StatementResult result;
     int width = sqlite3_column_count(stmt);
@@ -319,7 +325,7 @@ class SqliteConnection final : public DriverConnection {
       }
       if (rc != SQLITE_DONE) Fail(sql);
       result.records_affected = sqlite3_total_changes64(db_) != before ? sqlite3_changes64(db_) : 0;
-      if (ChangesSchema(sql)) keys_.clear();
+      if (prepared.changes_schema) keys_.clear();
       return result;
     }
     result.has_rows = true;
@@ -512,6 +518,7 @@ class SqliteConnection final : public DriverConnection {
     auto& entry = *cache_.try_emplace(sql).first;
     Prepared& prepared = entry.second;
     prepared.stmt = stmt;
+    prepared.changes_schema = ChangesSchema(sql);
     prepared.lru = lru_.begin();
     Describe(prepared);
     last_ = &entry;
@@ -555,7 +562,10 @@ class SqliteConnection final : public DriverConnection {
     }
   }
 
-  void Bind(sqlite3_stmt* stmt, const std::vector<Variant>& params, const std::string& sql) {
+  // Bind sets every parameter of stmt; borrowed turns true once a text is
+  // bound without a copy, pointing into params.
+  void Bind(sqlite3_stmt* stmt, const std::vector<Variant>& params, const std::string& sql,
+            bool& borrowed) {
     const int expected = sqlite3_bind_parameter_count(stmt);
     if (expected != static_cast<int>(params.size())) {
       throw Error(kErrProviderFailure,
@@ -568,6 +578,7 @@ class SqliteConnection final : public DriverConnection {
       const Variant& v = params[static_cast<size_t>(i)];
       const int n = i + 1;
       int rc = SQLITE_OK;
+      // The numbers are read as held: no conversion can fail or round here.
       switch (v.Type()) {
         case vbEmpty:
         case vbNull:
@@ -577,14 +588,22 @@ class SqliteConnection final : public DriverConnection {
           rc = sqlite3_bind_int(stmt, n, *v.Get<bool>() ? 1 : 0);
           break;
         case vbInteger:
+          rc = sqlite3_bind_int(stmt, n, *v.Get<int16_t>());
+          break;
         case vbLong:
+          rc = sqlite3_bind_int(stmt, n, *v.Get<int32_t>());
+          break;
         case vbLongLong:
-          rc = sqlite3_bind_int64(stmt, n, CLngLng(v));
+          rc = sqlite3_bind_int64(stmt, n, *v.Get<int64_t>());
           break;
         case vbSingle:
+          rc = sqlite3_bind_double(stmt, n, *v.Get<float>());
+          break;
         case vbDouble:
+          rc = sqlite3_bind_double(stmt, n, *v.Get<double>());
+          break;
         case vbCurrency:
-          rc = sqlite3_bind_double(stmt, n, CDbl(v));
+          rc = sqlite3_bind_double(stmt, n, v.Get<Currency>()->ToDouble());
           break;
         case vbDate: {
           const std::string text = IsoDateText(*v.Get<Date>());
@@ -596,6 +615,7 @@ class SqliteConnection final : public DriverConnection {
           const std::string_view text = v.Text();
           rc = sqlite3_bind_text(stmt, n, text.data(), static_cast<int>(text.size()),
                                  SQLITE_STATIC);  // params outlive the statement's run
+          borrowed = true;
           break;
         }
         default:
