@@ -57,6 +57,7 @@ Variant ConvertForColumn(DataTypeEnum type, const Variant& v) {
     case adDecimal:
     case adNumeric:
     case adVarNumeric:
+      if (v.Get<double>()) return v;  // the usual case, kept as it is
       return Variant(CDbl(v));
     case adCurrency:
       return Variant(CCur(v));
@@ -204,11 +205,6 @@ void CursorEngine::OwnRows() {
   rows.store_rows.shrink_to_fit();
   for (CursorEngine* engine : rows.engines)
     engine->Rebase();
-}
-
-Variant* CursorEngine::OwnedRow(uint32_t row) {
-  OwnRows();
-  return rows_->cells.data() + size_t{row} * width_;
 }
 
 void CursorEngine::Opened(LoadOptions options, bool fresh) {

@@ -425,6 +425,12 @@ struct CursorEngine::SharedRows {
   }
 };
 
+// OwnedRow: row's cells, to be changed; every edit comes here.
+inline Variant* CursorEngine::OwnedRow(uint32_t row) {
+  if (rows_->store) OwnRows();
+  return rows_->cells.data() + size_t{row} * width_;
+}
+
 // QuoteName: a table or column name as SQL text: as it stands when it is a
 // plain name, else in double quotes.
 std::string QuoteName(const std::string& name);

@@ -84,6 +84,7 @@ class Writer final : public RowWriter {
   // driver on the first write, not when the rows are read.
   DriverConnection& Driver() {
     DriverConnection& driver = session_->Driver();
+    if (key_known_) return driver;  // the table was found usable on the first write
     if (mixed_) ThrowNoBaseTable("The rows come from more than one table.");
     if (table_.empty()) ThrowNoBaseTable("No field comes from a table.");
     if (!key_known_) {
@@ -151,11 +152,12 @@ class Writer final : public RowWriter {
   // from values, then those that locate the row from originals.
   static void Parameters(const Located& statement, const Variant* values, const Variant* originals,
                          std::vector<Variant>& params) {
-    params.reserve(statement.set.size() + statement.located.size());
+    params.resize(statement.set.size() + statement.located.size());
+    Variant* out = params.data();
     for (int32_t c : statement.set)
-      params.push_back(values[c]);
+      *out++ = values[c];
     for (int32_t c : statement.located)
-      params.push_back(originals[c]);
+      *out++ = originals[c];
   }
 
   // RefuseAmbiguous: without its key, a row is found by its values; when
@@ -196,7 +198,7 @@ class Writer final : public RowWriter {
   // Statement: text made once per shape and kept.
   template <class Make>
   const Located& Statement(const std::string& shape, Make&& make) {
-    if (last_statement_ != nullptr && last_statement_->first == shape) {
+    if (last_statement_ != nullptr && SameShape(last_statement_->first, shape)) {
       return last_statement_->second;  // a run of edits to the same fields
     }
     auto it = statements_.find(shape);
@@ -210,15 +212,25 @@ class Writer final : public RowWriter {
   // column. Written into shape_, whose room is kept from one write to the
   // next.
   const std::string& Shape(char kind, const RowChange& change, const Variant* originals) {
-    shape_.resize(base_columns_.size() + 1);
-    shape_[0] = kind;
-    for (size_t i = 0; i < base_columns_.size(); ++i) {
-      const auto c = static_cast<size_t>(base_columns_[i]);
-      const bool changed = change.changed[c];
+    const size_t count = base_columns_.size();
+    shape_.resize(count + 1);
+    char* out = shape_.data();
+    *out++ = kind;
+    const int32_t* column = base_columns_.data();
+    for (size_t i = 0; i < count; ++i) {
+      const auto c = static_cast<size_t>(column[i]);
       const bool null = originals && IsNothing(originals[c]);
-      shape_[i + 1] = static_cast<char>('0' + (changed ? 1 : 0) + (null ? 2 : 0));
+      out[i] = static_cast<char>('0' + (change.changed[c] ? 1 : 0) + (null ? 2 : 0));
     }
     return shape_;
+  }
+  // SameShape: a == b, without a library call for a few characters.
+  static bool SameShape(const std::string& a, const std::string& b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i) {
+      if (a[i] != b[i]) return false;
+    }
+    return true;
   }
   static bool IsChangedCode(char code) { return ((code - '0') & 1) != 0; }
 
@@ -244,29 +256,24 @@ class Writer final : public RowWriter {
       return made;
     });
     if (statement.set.empty()) return;
-    // The vector's room is reused from one update to the next, its values
-    // let go on the way out.
-    struct Cleared {
-      std::vector<Variant>& values;
-      ~Cleared() { values.clear(); }
-    } cleared{update_params_};
+    // The vector is reused from one update to the next, its values
+    // overwritten by the next update's.
     std::vector<Variant>& params = update_params_;
-    params.clear();
     Parameters(statement, change.values, change.originals, params);
     const auto set_count = static_cast<ptrdiff_t>(statement.set.size());
-    StatementResult result;
+    int64_t affected = 0;
     try {
       if (!key_fetched_) {
         RefuseAmbiguous(driver, statement.where,
                         std::vector<Variant>(params.begin() + set_count, params.end()),
                         statement.sql);
       }
-      result = driver.Run(statement.sql, params, 0);
+      affected = driver.Run(statement.sql, params, 0).records_affected;
     } catch (const Error& e) {
       MarkRefusal(driver, e, change);
       throw;
     }
-    if (result.records_affected == 0) {
+    if (affected == 0) {
       MarkMoved(driver, change);
       ThrowRowChanged(statement.sql);
     }
@@ -428,7 +435,7 @@ class Writer final : public RowWriter {
   bool key_fetched_ = false;                   // every key column is among the fields
   std::map<std::string, Located> statements_;  // by Shape
   const std::pair<const std::string, Located>* last_statement_ = nullptr;
-  std::vector<Variant> update_params_;  // kept between updates for its room
+  std::vector<Variant> update_params_;  // the last update's values, kept for the room
   std::vector<char> is_key_;            // by ordinal: a key column among the fields
   std::string shape_;                   // the last Shape, its room kept
 };
