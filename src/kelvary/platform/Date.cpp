@@ -22,35 +22,6 @@ constexpr std::array<const char*, 7> kDayNames = {"Sunday",   "Monday", "Tuesday
                                                   "Thursday", "Friday", "Saturday"};
 constexpr int64_t kSecondsPerDay = 86400;
 
-// Days from 1970-01-01 for a proleptic Gregorian date (H. Hinnant's algorithm).
-constexpr int64_t DaysFromCivil(int64_t y, unsigned m, unsigned d) {
-  y -= m <= 2;
-  const int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const unsigned yoe = static_cast<unsigned>(y - era * 400);
-  const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
-  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + static_cast<int64_t>(doe) - 719468;
-}
-
-struct Civil {
-  int year;
-  int month;
-  int day;
-};
-
-Civil CivilFromDays(int64_t z) {
-  z += 719468;
-  const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const unsigned doe = static_cast<unsigned>(z - era * 146097);
-  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const int64_t y = static_cast<int64_t>(yoe) + era * 400;
-  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const unsigned mp = (5 * doy + 2) / 153;
-  const unsigned d = doy - (153 * mp + 2) / 5 + 1;
-  const unsigned m = mp < 10 ? mp + 3 : mp - 9;
-  return {static_cast<int>(y + (m <= 2)), static_cast<int>(m), static_cast<int>(d)};
-}
-
 // The epoch of the automation date, 1899-12-30, in days from 1970-01-01.
 constexpr int64_t kEpochOffset = DaysFromCivil(1899, 12, 30);
 
@@ -66,6 +37,8 @@ Parts Split(Date d) {
   // days); the bound keeps the day count and its year inside their integers.
   if (!(std::fabs(serial) < 1e11)) throw Error(kErrOverflow, "Overflow");
   double whole = std::trunc(serial);
+  // Most dates read from a database have no time of day: no rounding to do.
+  if (whole == serial) return {static_cast<int64_t>(whole), 0};
   double fraction = std::fabs(serial - whole);
   int64_t seconds = std::llround(fraction * kSecondsPerDay);
   int64_t day = static_cast<int64_t>(whole);
@@ -359,7 +332,7 @@ Date Today() {
 
 std::string Format(Date d, std::string_view picture) {
   const Parts p = Split(d);
-  const Civil c = CivilFromDays(p.day + kEpochOffset);
+  const CivilDay c = CivilFromDays(p.day + kEpochOffset);
   const int hour = static_cast<int>(p.seconds / 3600);
   const int minute = static_cast<int>(p.seconds / 60 % 60);
   const int second = static_cast<int>(p.seconds % 60);

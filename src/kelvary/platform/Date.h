@@ -9,6 +9,7 @@
 #pragma once
 
 #include <compare>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -39,6 +40,36 @@ Date DateSerial(int year, int month, int day);
 Date TimeSerial(int hour, int minute, int second);
 // DateTimeOf: DateSerial and TimeSerial combined.
 Date DateTimeOf(int year, int month, int day, int hour, int minute, int second);
+
+// The proleptic Gregorian calendar on a count of days from 1970-01-01 (H.
+// Hinnant's algorithms), with no range check: the one calendar arithmetic
+// of the system, for dates and for drivers that read a database's day
+// counts.
+struct CivilDay {
+  int year;
+  int month;
+  int day;
+};
+constexpr int64_t DaysFromCivil(int64_t year, unsigned month, unsigned day) {
+  year -= month <= 2;
+  const int64_t era = (year >= 0 ? year : year - 399) / 400;
+  const auto yoe = static_cast<unsigned>(year - era * 400);
+  const unsigned doy = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+  return era * 146097 + static_cast<int64_t>(doe) - 719468;
+}
+constexpr CivilDay CivilFromDays(int64_t days) {
+  days += 719468;
+  const int64_t era = (days >= 0 ? days : days - 146096) / 146097;
+  const auto doe = static_cast<unsigned>(days - era * 146097);
+  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+  const int64_t y = static_cast<int64_t>(yoe) + era * 400;
+  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+  const unsigned mp = (5 * doy + 2) / 153;
+  const unsigned d = doy - (153 * mp + 2) / 5 + 1;
+  const unsigned m = mp < 10 ? mp + 3 : mp - 9;
+  return {static_cast<int>(y + (m <= 2)), static_cast<int>(m), static_cast<int>(d)};
+}
 
 int Year(Date d);
 int Month(Date d);

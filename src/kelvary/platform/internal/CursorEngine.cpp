@@ -123,6 +123,10 @@ struct CursorEngine::EqualityIndex {
   std::unordered_map<double, std::vector<uint32_t>> positions;
 };
 
+CursorEngine::SharedRows::~SharedRows() {
+  RecycleCells(cells);
+}
+
 CursorEngine::CursorEngine() = default;
 CursorEngine::~CursorEngine() {
   Detach();

@@ -407,8 +407,14 @@ class CursorEngine {
 };
 
 // SharedRows: what belongs to the rows rather than to one recordset over
-// them, held by an engine and its clones.
+// them, held by an engine and its clones. The last of them to let go gives
+// the cells' storage to the thread's spare (CellBuffers.h).
 struct CursorEngine::SharedRows {
+  SharedRows() = default;
+  SharedRows(const SharedRows&) = delete;
+  SharedRows& operator=(const SharedRows&) = delete;
+  ~SharedRows();
+
   size_t width = 0;
   std::vector<Variant> cells;
   // Rows held in a shared store (LoadShared) until one changes: row id i is

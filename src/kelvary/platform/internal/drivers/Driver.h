@@ -26,6 +26,7 @@
 #include "kelvary/platform/DataAccessTypes.h"
 #include "kelvary/platform/Error.h"
 #include "kelvary/platform/Variant.h"
+#include "kelvary/platform/internal/CellBuffers.h"
 
 namespace kelvary {
 
@@ -44,10 +45,18 @@ struct ColumnInfo {
   bool auto_increment = false;
 };
 
-// RowSet: a result fetched in full, cells row by row.
+// RowSet: a result fetched in full, cells row by row. Its cells' storage
+// goes to the thread's spare when it is destroyed (CellBuffers.h).
 struct RowSet {
   std::vector<ColumnInfo> columns;
   std::vector<Variant> cells;  // row r, column c at r * columns.size() + c
+
+  RowSet() = default;
+  RowSet(const RowSet&) = default;
+  RowSet(RowSet&&) noexcept = default;
+  RowSet& operator=(const RowSet&) = default;
+  RowSet& operator=(RowSet&&) noexcept = default;
+  ~RowSet() { internal::RecycleCells(cells); }
 
   size_t RowCount() const { return columns.empty() ? 0 : cells.size() / columns.size(); }
   const Variant& Cell(size_t row, size_t column) const {

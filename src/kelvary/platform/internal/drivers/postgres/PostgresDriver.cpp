@@ -296,8 +296,7 @@ void PostgresConnection::ReadRows(const PGresult* result, int32_t max_rows, RowS
     info.auto_increment = column->second.auto_increment;
   }
 
-  rows.cells.clear();
-  rows.cells.reserve(static_cast<size_t>(count) * static_cast<size_t>(width));
+  rows.cells = internal::CellStorage(static_cast<size_t>(count) * static_cast<size_t>(width));
   for (int r = 0; r < count; ++r) {
     for (int c = 0; c < width; ++c) {
       // A NULL has no bytes: only an empty value needs asking which it is.

@@ -16,13 +16,14 @@
 namespace kelvary::postgres {
 namespace {
 
-// The server counts days and microseconds from 2000-01-01; the Date serial
-// of that day.
-constexpr int64_t kServerEpochSerial = 36526;
+// The server counts days and microseconds from 2000-01-01: that day from
+// 1970-01-01, and its Date serial (Dates count from 1899-12-30).
+constexpr int64_t kServerEpoch = DaysFromCivil(2000, 1, 1);
+constexpr int64_t kServerEpochSerial = kServerEpoch - DaysFromCivil(1899, 12, 30);
 constexpr int64_t kMicrosPerDay = 86400LL * 1000000LL;
 // Days from the server's epoch to the first and last day a Date holds.
-constexpr int64_t kFirstDay = -657434 - kServerEpochSerial;  // 0100-01-01
-constexpr int64_t kLastDay = 2958465 - kServerEpochSerial;   // 9999-12-31
+constexpr int64_t kFirstDay = DaysFromCivil(100, 1, 1) - kServerEpoch;
+constexpr int64_t kLastDay = DaysFromCivil(9999, 12, 31) - kServerEpoch;
 
 // The default sizes the ODBC driver reports for text of no declared length.
 constexpr int32_t kLongTextSize = 8190;
@@ -45,37 +46,17 @@ void AppendBigEndian(T value, std::string& out) {
     out.push_back(static_cast<char>((bits >> (8 * i)) & 0xFF));
 }
 
-// Civil date of a day counted from 1970-01-01 (proleptic Gregorian).
-struct Civil {
-  int64_t year;
-  unsigned month;
-  unsigned day;
-};
-Civil CivilFromUnixDays(int64_t z) {
-  z += 719468;
-  const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-  const auto doe = static_cast<unsigned>(z - era * 146097);
-  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const unsigned mp = (5 * doy + 2) / 153;
-  const unsigned d = doy - (153 * mp + 2) / 5 + 1;
-  const unsigned m = mp < 10 ? mp + 3 : mp - 9;
-  return {static_cast<int64_t>(yoe) + era * 400 + (m <= 2), m, d};
-}
-
 // A date or moment outside the years a Date holds, as its ISO text.
 Variant OutOfRange(int64_t days, int64_t micros_of_day, bool with_time) {
-  const Civil c = CivilFromUnixDays(days + 10957);  // 1970-01-01 to 2000-01-01
+  const CivilDay c = CivilFromDays(days + kServerEpoch);
   char buffer[64];
   const int64_t seconds = micros_of_day / 1000000;
   if (with_time) {
-    std::snprintf(buffer, sizeof buffer, "%04lld-%02u-%02u %02lld:%02lld:%02lld",
-                  static_cast<long long>(c.year), c.month, c.day,
-                  static_cast<long long>(seconds / 3600), static_cast<long long>(seconds / 60 % 60),
-                  static_cast<long long>(seconds % 60));
+    std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d %02lld:%02lld:%02lld", c.year, c.month,
+                  c.day, static_cast<long long>(seconds / 3600),
+                  static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60));
   } else {
-    std::snprintf(buffer, sizeof buffer, "%04lld-%02u-%02u", static_cast<long long>(c.year),
-                  c.month, c.day);
+    std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d", c.year, c.month, c.day);
   }
   return Variant(std::string(buffer));
 }
