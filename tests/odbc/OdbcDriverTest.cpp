@@ -13,6 +13,7 @@
 
 #ifdef KELVARY_HAVE_ODBC
 #include "kelvary/platform/internal/drivers/odbc/OdbcDriver.h"
+#include "kelvary/platform/internal/drivers/odbc/internal/OdbcApi.h"
 #include "kelvary/platform/internal/drivers/odbc/internal/OdbcConnection.h"
 #endif
 
@@ -23,6 +24,31 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+
+TEST(OdbcText, OnlyAsciiWithoutAQuestionMarkIsTakenAsItCame) {
+  // 8-bit text is taken as the driver gave it only when no character set
+  // could have changed it; a byte above 0x7F or a '?' at any place, inside
+  // or after the first eight bytes, sends it to be read again.
+  EXPECT_TRUE(odbc::IsPlainAscii(""));
+  for (size_t length = 1; length <= 20; ++length) {
+    const std::string plain(length, 'a');
+    EXPECT_TRUE(odbc::IsPlainAscii(plain)) << length;
+    for (size_t at = 0; at < length; ++at) {
+      for (const char odd : {'?', '\x80', '\xc3', '\xff'}) {
+        std::string text = plain;
+        text[at] = odd;
+        EXPECT_FALSE(odbc::IsPlainAscii(text))
+            << "length " << length << ", byte " << static_cast<int>(odd) << " at " << at;
+      }
+    }
+  }
+  // Every other ASCII byte passes, next to '?' (0x3F) and the high bit alike.
+  std::string ascii;
+  for (int c = 0; c < 0x80; ++c) {
+    if (c != '?') ascii.push_back(static_cast<char>(c));
+  }
+  EXPECT_TRUE(odbc::IsPlainAscii(ascii));
+}
 
 TEST(OdbcConnect, ByDataSourceNameAndByDriverString) {
   const std::string dsn = EnvOr("KELVARY_TEST_ODBC_DSN");

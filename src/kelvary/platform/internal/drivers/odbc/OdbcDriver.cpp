@@ -127,6 +127,13 @@ OdbcConnection::OdbcConnection(const std::string& connection_string, const std::
     Run("SET SESSION TRANSACTION ISOLATION LEVEL READ COMMITTED", {}, 0);
   }
   if (strategy == odbc::FetchStrategy::kBest) capabilities_ = odbc::ProbeFetchCapabilities(dbc);
+  if (server_ == ServerKind::kMySql) {
+    // MariaDB's driver says it positions within a block, but SQLGetData
+    // then reads the block's first row whatever row was asked for, and the
+    // rows after the block are lost: one row per fetch there.
+    capabilities_.block = false;
+    capabilities_.static_cursor = false;
+  }
 }
 
 OdbcConnection::~OdbcConnection() {
@@ -160,14 +167,17 @@ StatementResult OdbcConnection::Run(const std::string& sql, const std::vector<Va
 
   // The server gets the system's text in its own dialect; errors name both.
   const std::string sent = odbc::TranslateForServer(sql, server_);
+  // Passed NUL-terminated, not with its length: MariaDB's driver reads
+  // past the length it is given of a long statement with text outside
+  // ASCII in it (and then its heap is seen damaged).
   std::u16string wide = odbc::Widen(sent);
-  const auto length = static_cast<SQLINTEGER>(wide.size());
   SQLRETURN rc;
   std::optional<odbc::ParameterBinder> binder;
   if (params.empty()) {
-    rc = SQLExecDirectW(h, odbc::WidePtr(wide), length);
+    rc = SQLExecDirectW(h, odbc::WidePtr(wide), SQL_NTS);
   } else {
-    Check(SQLPrepareW(h, odbc::WidePtr(wide), length), SQL_HANDLE_STMT, h, "SQLPrepare", sql, sent);
+    Check(SQLPrepareW(h, odbc::WidePtr(wide), SQL_NTS), SQL_HANDLE_STMT, h, "SQLPrepare", sql,
+          sent);
     binder.emplace(h, params, sql);
     rc = SQLExecute(h);
   }

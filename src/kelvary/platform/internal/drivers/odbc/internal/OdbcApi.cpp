@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "kelvary/platform/Error.h"
@@ -185,6 +186,24 @@ void AppendNarrow(const SQLWCHAR* text, size_t units, std::string& out) {
       AppendUtf8(unit, out);
     }
   }
+}
+
+bool IsPlainAscii(std::string_view text) {
+  // Eight bytes at a time: most values pass.
+  constexpr uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr uint64_t kHigh = kOnes * 0x80;
+  constexpr uint64_t kQuestion = kOnes * '?';
+  size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    uint64_t word;
+    std::memcpy(&word, text.data() + i, 8);
+    const uint64_t question = word ^ kQuestion;  // a zero byte where a '?' was
+    if (((question - kOnes) & ~question & kHigh) != 0 || (word & kHigh) != 0) return false;
+  }
+  for (; i < text.size(); ++i) {
+    if (static_cast<unsigned char>(text[i]) >= 0x80 || text[i] == '?') return false;
+  }
+  return true;
 }
 
 std::string ColumnTextAttribute(SQLHSTMT stmt, SQLUSMALLINT column, SQLUSMALLINT field) {

@@ -93,6 +93,11 @@ inline std::string Narrow(const SQLWCHAR* text, size_t units) {
   AppendNarrow(text, units, out);
   return out;
 }
+// IsPlainAscii: whether 8-bit text from a driver is ASCII without a '?',
+// the only text that reads the same in every character set a driver may
+// have converted it to: a byte above 0x7F means something else in each, and
+// drivers write '?' for a character the set lacks.
+bool IsPlainAscii(std::string_view text);
 inline SQLWCHAR* WidePtr(std::u16string& text) {
   return reinterpret_cast<SQLWCHAR*>(text.data());
 }

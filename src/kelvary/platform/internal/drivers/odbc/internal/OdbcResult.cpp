@@ -47,8 +47,12 @@ enum class Kind {
 
 struct ColumnPlan {
   Kind kind = Kind::kText;
-  SQLSMALLINT c_type = SQL_C_WCHAR;
-  size_t slot_bytes = 0;  // bytes per row in the bound array
+  SQLSMALLINT c_type = SQL_C_WCHAR;  // also what SQLGetData reads
+  size_t slot_bytes = 0;             // bytes per row in the bound array
+  size_t text_units = 0;             // text: characters a bound slot holds
+  // Text bound 8-bit (SQL_C_CHAR): only plain ASCII is taken from the slot.
+  bool narrow = false;
+  size_t rereads = 0;  // values of the current block read again
   std::vector<unsigned char> buffer;
   std::vector<SQLLEN> indicators;
 };
@@ -81,10 +85,10 @@ ColumnPlan PlanColumn(SQLSMALLINT sql_type, SQLULEN size, SQLSMALLINT digits, bo
     info.defined_size = SizeOf(size);
     plan.kind = Kind::kText;
     plan.c_type = SQL_C_WCHAR;
-    const size_t units = (!long_data && size > 0 && size <= kMaxBoundTextUnits)
-                             ? static_cast<size_t>(size)
-                             : kShortTextUnits;
-    plan.slot_bytes = RoundUp8((units + 1) * sizeof(SQLWCHAR));
+    plan.text_units = (!long_data && size > 0 && size <= kMaxBoundTextUnits)
+                          ? static_cast<size_t>(size)
+                          : kShortTextUnits;
+    plan.slot_bytes = RoundUp8((plan.text_units + 1) * sizeof(SQLWCHAR));
   };
   const auto binary = [&](DataTypeEnum type, bool long_data) {
     info.type = type;
@@ -345,7 +349,16 @@ Variant ReadWithGetData(SQLHSTMT stmt, SQLUSMALLINT column, const ColumnPlan& pl
     size_t got = (indicator == SQL_NO_TOTAL || static_cast<size_t>(indicator) > room)
                      ? room
                      : static_cast<size_t>(indicator);
-    if (plan.kind == Kind::kText) got -= got % sizeof(SQLWCHAR);
+    if (plan.kind == Kind::kText) {
+      // What the driver wrote ends with a NUL. MariaDB's driver gives some
+      // texts a length one character short (eight two-byte characters and
+      // more after them), so what it wrote past that length is kept too.
+      const auto* units = reinterpret_cast<const SQLWCHAR*>(piece.data());
+      size_t written = got / sizeof(SQLWCHAR);
+      while (written < room / sizeof(SQLWCHAR) && units[written] != 0)
+        ++written;
+      got = written * sizeof(SQLWCHAR);
+    }
     value.insert(value.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(got));
     if (rc == SQL_SUCCESS) break;
   }
@@ -361,9 +374,10 @@ Variant ReadWithGetData(SQLHSTMT stmt, SQLUSMALLINT column, const ColumnPlan& pl
 }
 
 // Appends the value of bound row `row` to cells; false (nothing appended)
-// when the value did not fit its slot and must be read again. Texts are
-// narrowed into text, one buffer for the whole fetch: the cell copies what
-// it needs (short texts go inside it), so no string is made per cell.
+// when the value must be read again: it did not fit its slot, or it is text
+// bound 8-bit that is not plain ASCII. Wide texts are narrowed into text,
+// one buffer for the whole fetch: the cell copies what it needs (short texts
+// go inside it), so no string is made per cell.
 bool AppendBoundValue(const ColumnPlan& plan, size_t row, std::vector<Variant>& cells,
                       std::string& text) {
   const SQLLEN indicator = plan.indicators[row];
@@ -374,6 +388,16 @@ bool AppendBoundValue(const ColumnPlan& plan, size_t row, std::vector<Variant>& 
   const unsigned char* slot = plan.buffer.data() + row * plan.slot_bytes;
   switch (plan.kind) {
     case Kind::kText: {
+      if (plan.narrow) {
+        if (indicator == SQL_NO_TOTAL || static_cast<size_t>(indicator) > plan.slot_bytes - 1) {
+          return false;
+        }
+        const std::string_view value(reinterpret_cast<const char*>(slot),
+                                     static_cast<size_t>(indicator));
+        if (!IsPlainAscii(value)) return false;
+        cells.emplace_back(value);
+        return true;
+      }
       if (indicator == SQL_NO_TOTAL ||
           static_cast<size_t>(indicator) > plan.slot_bytes - sizeof(SQLWCHAR)) {
         return false;
@@ -411,21 +435,45 @@ void SetAttribute(SQLHSTMT stmt, SQLINTEGER attribute, SQLPOINTER value,
         statement);
 }
 
-void FetchBlocks(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, size_t max_rows,
-                 const std::string& statement, std::vector<Variant>& cells) {
+void BindColumn(SQLHSTMT stmt, size_t column, ColumnPlan& plan, size_t block,
+                const std::string& statement) {
+  plan.buffer.assign(plan.slot_bytes * block, 0);
+  plan.indicators.assign(block, 0);
+  Check(SQLBindCol(stmt, static_cast<SQLUSMALLINT>(column + 1),
+                   plan.narrow ? SQLSMALLINT{SQL_C_CHAR} : plan.c_type, plan.buffer.data(),
+                   static_cast<SQLLEN>(plan.slot_bytes), plan.indicators.data()),
+        SQL_HANDLE_STMT, stmt, "SQLBindCol", statement);
+}
+
+// A text column bound 8-bit goes back to wide binding for the rest of the
+// result once more than one in kRereadShare of its values needed reading
+// again, judged every kRereadWindow rows or more: text that is mostly not
+// ASCII is read wide at once instead of positioning on each row of it.
+constexpr size_t kRereadShare = 8;
+constexpr size_t kRereadWindow = 256;
+
+void FetchBound(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, bool many_rows, size_t max_rows,
+                const std::string& statement, std::vector<Variant>& cells) {
+  // The block is sized for wide text, which a column may go back to.
   size_t row_bytes = 0;
   for (const ColumnPlan& plan : plans)
     row_bytes += plan.slot_bytes + sizeof(SQLLEN);
   size_t block = std::clamp<size_t>(kBlockBytes / row_bytes, 1, kMaxBlockRows);
   if (max_rows > 0) block = std::min(block, max_rows);
+  if (!many_rows) block = 1;
 
+  // Text is bound 8-bit first: the driver hands most text over as it came
+  // (no conversion to UTF-16 and back), and a slot of one byte per character
+  // holds any ASCII value the column can hold. Anything else is read again
+  // wide, so that no character set between here and the server can change
+  // a character.
   for (size_t c = 0; c < plans.size(); ++c) {
     ColumnPlan& plan = plans[c];
-    plan.buffer.assign(plan.slot_bytes * block, 0);
-    plan.indicators.assign(block, 0);
-    Check(SQLBindCol(stmt, static_cast<SQLUSMALLINT>(c + 1), plan.c_type, plan.buffer.data(),
-                     static_cast<SQLLEN>(plan.slot_bytes), plan.indicators.data()),
-          SQL_HANDLE_STMT, stmt, "SQLBindCol", statement);
+    if (plan.kind == Kind::kText) {
+      plan.narrow = true;
+      plan.slot_bytes = RoundUp8(plan.text_units + 1);
+    }
+    BindColumn(stmt, c, plan, block, statement);
   }
   SQLULEN fetched = 0;
   std::vector<SQLUSMALLINT> status(block);
@@ -437,6 +485,7 @@ void FetchBlocks(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, size_t max_rows,
 
   const size_t columns = plans.size();
   size_t total = 0;
+  size_t window = 0;  // rows since the last look at the read-again counts
   std::string text;
   while (max_rows == 0 || total < max_rows) {
     fetched = 0;
@@ -450,7 +499,9 @@ void FetchBlocks(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, size_t max_rows,
       bool positioned = false;
       for (size_t c = 0; c < columns; ++c) {
         if (AppendBoundValue(plans[c], row, cells, text)) continue;
-        if (!positioned) {
+        ++plans[c].rereads;
+        // One row per fetch is where SQLGetData reads already.
+        if (block > 1 && !positioned) {
           Check(SQLSetPos(stmt, static_cast<SQLSETPOSIROW>(row + 1), SQL_POSITION,
                           SQL_LOCK_NO_CHANGE),
                 SQL_HANDLE_STMT, stmt, "SQLSetPos", statement);
@@ -461,6 +512,20 @@ void FetchBlocks(SQLHSTMT stmt, std::vector<ColumnPlan>& plans, size_t max_rows,
       }
       ++total;
     }
+    // With one row per fetch, reading a value again costs one call and no
+    // positioning: text stays 8-bit there.
+    window += fetched;
+    if (block == 1 || window < kRereadWindow) continue;
+    for (size_t c = 0; c < columns; ++c) {
+      ColumnPlan& plan = plans[c];
+      if (plan.narrow && plan.rereads * kRereadShare > window) {
+        plan.narrow = false;
+        plan.slot_bytes = RoundUp8((plan.text_units + 1) * sizeof(SQLWCHAR));
+        BindColumn(stmt, c, plan, block, statement);
+      }
+      plan.rereads = 0;
+    }
+    window = 0;
   }
 }
 
@@ -481,21 +546,22 @@ void FetchRows(SQLHSTMT stmt, const std::vector<ColumnPlan>& plans, size_t max_r
 FetchCapabilities ProbeFetchCapabilities(SQLHDBC dbc) {
   FetchCapabilities capabilities;
   SQLUINTEGER getdata = 0;
-  constexpr SQLUINTEGER kNeeded =
-      SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER | SQL_GD_BLOCK | SQL_GD_BOUND;
+  constexpr SQLUINTEGER kNeeded = SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER | SQL_GD_BOUND;
   if (!SQL_SUCCEEDED(SQLGetInfo(dbc, SQL_GETDATA_EXTENSIONS, &getdata, sizeof getdata, nullptr)) ||
       (getdata & kNeeded) != kNeeded) {
     return capabilities;
   }
+  capabilities.bound = true;
+  if ((getdata & SQL_GD_BLOCK) == 0) return capabilities;
   const auto can_position = [&](SQLUSMALLINT info) {
     SQLUINTEGER attributes = 0;
     return SQL_SUCCEEDED(SQLGetInfo(dbc, info, &attributes, sizeof attributes, nullptr)) &&
            (attributes & SQL_CA1_POS_POSITION) != 0;
   };
   if (can_position(SQL_FORWARD_ONLY_CURSOR_ATTRIBUTES1)) {
-    capabilities.block_fetch = true;
+    capabilities.block = true;
   } else if (can_position(SQL_STATIC_CURSOR_ATTRIBUTES1)) {
-    capabilities.block_fetch = true;
+    capabilities.block = true;
     capabilities.static_cursor = true;
   }
   return capabilities;
@@ -551,8 +617,8 @@ std::vector<std::string> ReadResult(SQLHSTMT stmt, const FetchCapabilities& capa
     rows.cells.reserve(std::min<size_t>(expected_rows, size_t{1} << 24) * columns);
   }
   const size_t limit = max_rows > 0 ? static_cast<size_t>(max_rows) : 0;
-  if (capabilities.block_fetch) {
-    FetchBlocks(stmt, plans, limit, statement, rows.cells);
+  if (capabilities.bound) {
+    FetchBound(stmt, plans, capabilities.block, limit, statement, rows.cells);
   } else {
     FetchRows(stmt, plans, limit, statement, rows.cells);
   }

@@ -16,12 +16,15 @@
 //     bytes), anything else 202 with the driver's text for the value.
 // NULL is Variant::Null().
 //
-// Fetching: when the driver can position within a block of rows and read a
-// bound column again there (SQLSetPos and SQLGetData; psqlodbc can, on its
-// static cursor), columns are bound in arrays and fetched a block of rows at
-// a time; text longer than its bound slot (long text columns are bound with
-// a short slot) is read again in full with SQLGetData. Other drivers are
-// read row by row with SQLGetData.
+// Fetching: when the driver can read a bound column again with SQLGetData,
+// columns are bound; when it can also position within a block of rows
+// (SQLSetPos; psqlodbc can, on its static cursor), they are bound in arrays
+// and fetched a block of rows at a time, else one row at a time. A value
+// that does not fit its slot (long text columns are bound with a short
+// slot) is read again in full with SQLGetData. Text is bound 8-bit at first
+// and taken from the slot only when it is plain ASCII; anything else is read
+// again wide, and a column where that is common is bound wide for the rest
+// of the result. Other drivers are read row by row with SQLGetData.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +38,8 @@ namespace kelvary::odbc {
 
 // FetchCapabilities: what the driver allows while fetching.
 struct FetchCapabilities {
-  bool block_fetch = false;    // bound arrays plus SQLSetPos and SQLGetData on bound columns
+  bool bound = false;          // bound columns, read again with SQLGetData when needed
+  bool block = false;          // ... a block of rows per fetch, positioned with SQLSetPos
   bool static_cursor = false;  // ... which needs a static cursor (set before executing)
 };
 
