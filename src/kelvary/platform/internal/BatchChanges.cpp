@@ -25,7 +25,7 @@ std::vector<uint32_t> BatchChanges::Rows() const {
 }
 
 void BatchChanges::Edited(uint32_t row, const std::vector<Variant>& originals,
-                          const std::vector<bool>& changed) {
+                          const std::vector<uint8_t>& changed) {
   auto [it, fresh] = pending_.try_emplace(row);
   Pending& pending = it->second;
   if (fresh) {
@@ -39,7 +39,7 @@ void BatchChanges::Edited(uint32_t row, const std::vector<Variant>& originals,
   }
 }
 
-void BatchChanges::Added(uint32_t row, const std::vector<bool>& changed) {
+void BatchChanges::Added(uint32_t row, const std::vector<uint8_t>& changed) {
   Pending& pending = pending_[row];
   pending.kind = Kind::kNew;
   pending.originals.clear();

@@ -33,7 +33,7 @@ class BatchChanges {
   struct Pending {
     Kind kind = Kind::kModified;
     std::vector<Variant> originals;  // the row as read; empty for a new row
-    std::vector<bool> changed;       // fields set since it was read or added
+    std::vector<uint8_t> changed;    // fields set since it was read or added
     int32_t problem = 0;             // what the last batch call found, RecordStatusEnum bits
   };
 
@@ -46,8 +46,8 @@ class BatchChanges {
   // when the edit began. A row already pending keeps what it was first read
   // as, and adds the newly changed fields.
   void Edited(uint32_t row, const std::vector<Variant>& originals,
-              const std::vector<bool>& changed);
-  void Added(uint32_t row, const std::vector<bool>& changed);
+              const std::vector<uint8_t>& changed);
+  void Added(uint32_t row, const std::vector<uint8_t>& changed);
   // Deleted: row (whose cells are values) is deleted. Returns false when
   // it was a new row, which the database never saw: nothing is to be sent.
   bool Deleted(uint32_t row, const Variant* values, size_t width);

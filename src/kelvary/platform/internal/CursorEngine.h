@@ -86,7 +86,8 @@ struct RowChange {
   const std::vector<ColumnInfo>& columns;
   const Variant* values;     // the row as it is now (Delete: as it was read)
   const Variant* originals;  // Update: the row as it was read; otherwise null
-  const std::vector<bool>& changed;
+  // Per field, 1 when it was set: bytes rather than bits, read on every edit.
+  const std::vector<uint8_t>& changed;
   std::vector<int32_t>& status;  // the writer sets the Status of fields a refusal names
 };
 
@@ -396,7 +397,7 @@ class CursorEngine {
   EditModeEnum edit_mode_ = adEditNone;
   uint32_t edit_row_ = 0;
   std::vector<Variant> originals_;
-  std::vector<bool> changed_;
+  std::vector<uint8_t> changed_;
   std::vector<int32_t> status_;
   ptrdiff_t pos_before_add_ = 0;
   uint32_t deleted_row_ = 0;  // the row a Delete left current (on_deleted_)

@@ -283,7 +283,7 @@ class Writer final : public RowWriter {
   // again by its key; without a key (or when the row is gone) all of them
   // are suspect.
   void MarkMoved(DriverConnection& driver, const RowChange& change) {
-    std::vector<bool> offending = change.changed;
+    std::vector<uint8_t> offending = change.changed;
     if (key_fetched_) {
       std::string columns_sql;
       std::string key_where;
