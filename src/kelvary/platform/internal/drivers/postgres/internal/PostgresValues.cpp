@@ -16,27 +16,11 @@
 namespace kelvary::postgres {
 namespace {
 
-// The server counts days and microseconds from 2000-01-01: that day from
-// 1970-01-01, and its Date serial (Dates count from 1899-12-30).
-constexpr int64_t kServerEpoch = DaysFromCivil(2000, 1, 1);
-constexpr int64_t kServerEpochSerial = kServerEpoch - DaysFromCivil(1899, 12, 30);
 constexpr int64_t kMicrosPerDay = 86400LL * 1000000LL;
-// Days from the server's epoch to the first and last day a Date holds.
-constexpr int64_t kFirstDay = DaysFromCivil(100, 1, 1) - kServerEpoch;
-constexpr int64_t kLastDay = DaysFromCivil(9999, 12, 31) - kServerEpoch;
 
 // The default sizes the ODBC driver reports for text of no declared length.
 constexpr int32_t kLongTextSize = 8190;
 constexpr int32_t kTextSize = 255;
-
-template <class T>
-T ReadBigEndian(const char* data) {
-  using U = std::make_unsigned_t<T>;
-  U value = 0;
-  for (size_t i = 0; i < sizeof(T); ++i)
-    value = static_cast<U>((value << 8) | static_cast<unsigned char>(data[i]));
-  return static_cast<T>(value);
-}
 
 template <class T>
 void AppendBigEndian(T value, std::string& out) {
@@ -110,13 +94,13 @@ struct Numeric {
 std::optional<Numeric> ParseNumeric(const char* data, size_t length) {
   if (length < 8) return std::nullopt;
   Numeric n;
-  const auto count = ReadBigEndian<int16_t>(data);
-  n.weight = ReadBigEndian<int16_t>(data + 2);
-  n.sign = ReadBigEndian<uint16_t>(data + 4);
-  n.scale = ReadBigEndian<int16_t>(data + 6);
+  const auto count = BigEndian<int16_t>(data);
+  n.weight = BigEndian<int16_t>(data + 2);
+  n.sign = BigEndian<uint16_t>(data + 4);
+  n.scale = BigEndian<int16_t>(data + 6);
   if (count < 0 || length < 8 + 2 * static_cast<size_t>(count)) return std::nullopt;
   for (int16_t i = 0; i < count; ++i)
-    n.digits.push_back(ReadBigEndian<int16_t>(data + 8 + 2 * i));
+    n.digits.push_back(BigEndian<int16_t>(data + 8 + 2 * i));
   return n;
 }
 
@@ -278,27 +262,27 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
       if (fits(1)) return Variant(data[0] != 0);
       break;
     case kOidInt2:
-      if (fits(2)) return Variant(ReadBigEndian<int16_t>(data));
+      if (fits(2)) return Variant(BigEndian<int16_t>(data));
       break;
     case kOidInt4:
-      if (fits(4)) return Variant(ReadBigEndian<int32_t>(data));
+      if (fits(4)) return Variant(BigEndian<int32_t>(data));
       break;
     case kOidInt8:
-      if (fits(8)) return Variant(ReadBigEndian<int64_t>(data));
+      if (fits(8)) return Variant(BigEndian<int64_t>(data));
       break;
     case kOidOid:
-      if (fits(4)) return Variant(static_cast<int64_t>(ReadBigEndian<uint32_t>(data)));
+      if (fits(4)) return Variant(static_cast<int64_t>(BigEndian<uint32_t>(data)));
       break;
     case kOidFloat4:
-      if (fits(4)) return Variant(std::bit_cast<float>(ReadBigEndian<uint32_t>(data)));
+      if (fits(4)) return Variant(std::bit_cast<float>(BigEndian<uint32_t>(data)));
       break;
     case kOidFloat8:
-      if (fits(8)) return Variant(std::bit_cast<double>(ReadBigEndian<uint64_t>(data)));
+      if (fits(8)) return Variant(std::bit_cast<double>(BigEndian<uint64_t>(data)));
       break;
     case kOidMoney:
       if (fits(8)) {
         // Cents, in the usual two-decimal locale.
-        const int64_t cents = ReadBigEndian<int64_t>(data);
+        const int64_t cents = BigEndian<int64_t>(data);
         if (cents > std::numeric_limits<int64_t>::max() / 100 ||
             cents < std::numeric_limits<int64_t>::min() / 100) {
           return Variant(static_cast<double>(cents) / 100);
@@ -309,11 +293,11 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
     case kOidNumeric:
       return NumericValue(column, data, length);
     case kOidDate:
-      if (fits(4)) return DateValue(ReadBigEndian<int32_t>(data));
+      if (fits(4)) return DateValue(BigEndian<int32_t>(data));
       break;
     case kOidTime:
       if (fits(8)) {
-        const int64_t seconds = ReadBigEndian<int64_t>(data) / 1000000;
+        const int64_t seconds = BigEndian<int64_t>(data) / 1000000;
         return Variant(TimeSerial(static_cast<int>(seconds / 3600),
                                   static_cast<int>(seconds / 60 % 60),
                                   static_cast<int>(seconds % 60)));
@@ -321,7 +305,7 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
       break;
     case kOidTimestamp:
     case kOidTimestampTz:
-      if (fits(8)) return TimestampValue(ReadBigEndian<int64_t>(data));
+      if (fits(8)) return TimestampValue(BigEndian<int64_t>(data));
       break;
     case kOidJsonb:
       // A version byte, then the text.
@@ -335,42 +319,6 @@ Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size
   }
   // Text, bytes, and the server's other types as it sent them.
   return Variant(std::string_view(data, length));
-}
-
-void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_t length,
-                 std::vector<Variant>& cells) {
-  // The usual types without the detour through a returned Variant.
-  switch (oid) {
-    case kOidInt4:
-      if (length == 4) {
-        cells.emplace_back(ReadBigEndian<int32_t>(data));
-        return;
-      }
-      break;
-    case kOidText:
-    case kOidVarchar:
-    case kOidBpchar:
-      cells.emplace_back(std::string_view(data, length));
-      return;
-    case kOidFloat8:
-      if (length == 8) {
-        cells.emplace_back(std::bit_cast<double>(ReadBigEndian<uint64_t>(data)));
-        return;
-      }
-      break;
-    case kOidDate:
-      if (length == 4) {
-        const int32_t days = ReadBigEndian<int32_t>(data);
-        if (days >= kFirstDay && days <= kLastDay) {
-          cells.emplace_back(Date(static_cast<double>(days + kServerEpochSerial)));
-          return;
-        }
-      }
-      break;
-    default:
-      break;
-  }
-  cells.push_back(ReadValue(oid, column, data, length));
 }
 
 bool WriteParameter(const Variant& value, Parameter& out) {

@@ -20,12 +20,16 @@
 // Pure functions; thread-safe.
 #pragma once
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "kelvary/platform/DataAccessTypes.h"
+#include "kelvary/platform/Date.h"
 #include "kelvary/platform/Variant.h"
 
 namespace kelvary::postgres {
@@ -71,10 +75,62 @@ ColumnType TypeOfColumn(uint32_t oid, int32_t modifier);
 
 // ReadValue: the Variant of one binary value of a column of type oid.
 Variant ReadValue(uint32_t oid, const ColumnType& column, const char* data, size_t length);
-// AppendValue: the same, built in place at the end of cells (the walk of a
-// whole result goes through here, value by value).
-void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_t length,
-                 std::vector<Variant>& cells);
+
+// The server counts days and microseconds from 2000-01-01: that day from
+// 1970-01-01, and its Date serial (Dates count from 1899-12-30).
+constexpr int64_t kServerEpoch = DaysFromCivil(2000, 1, 1);
+constexpr int64_t kServerEpochSerial = kServerEpoch - DaysFromCivil(1899, 12, 30);
+// Days from the server's epoch to the first and last day a Date holds.
+constexpr int64_t kFirstDay = DaysFromCivil(100, 1, 1) - kServerEpoch;
+constexpr int64_t kLastDay = DaysFromCivil(9999, 12, 31) - kServerEpoch;
+
+// BigEndian: an integer as the wire holds it, most significant byte first.
+template <class T>
+T BigEndian(const char* data) {
+  using U = std::make_unsigned_t<T>;
+  U value = 0;
+  for (size_t i = 0; i < sizeof(T); ++i)
+    value = static_cast<U>((value << 8) | static_cast<unsigned char>(data[i]));
+  return static_cast<T>(value);
+}
+
+// AppendValue: the same, built in place at the end of cells. The walk of a
+// whole result goes through here, value by value: the usual types are read
+// here, inline, the others by ReadValue.
+inline void AppendValue(uint32_t oid, const ColumnType& column, const char* data, size_t length,
+                        std::vector<Variant>& cells) {
+  switch (oid) {
+    case kOidInt4:
+      if (length == 4) {
+        cells.emplace_back(BigEndian<int32_t>(data));
+        return;
+      }
+      break;
+    case kOidText:
+    case kOidVarchar:
+    case kOidBpchar:
+      cells.emplace_back(std::string_view(data, length));
+      return;
+    case kOidFloat8:
+      if (length == 8) {
+        cells.emplace_back(std::bit_cast<double>(BigEndian<uint64_t>(data)));
+        return;
+      }
+      break;
+    case kOidDate:
+      if (length == 4) {
+        const int32_t days = BigEndian<int32_t>(data);
+        if (days >= kFirstDay && days <= kLastDay) {
+          cells.emplace_back(Date(static_cast<double>(days + kServerEpochSerial)));
+          return;
+        }
+      }
+      break;
+    default:
+      break;
+  }
+  cells.push_back(ReadValue(oid, column, data, length));
+}
 
 // Parameter: one parameter as sent: its type OID (0: the server decides),
 // its bytes and whether they are binary.
