@@ -31,17 +31,22 @@ struct Parts {
   int64_t seconds;
 };
 
+[[noreturn]] void ThrowOverflow() {
+  throw Error(kErrOverflow, "Overflow");
+}
+
 Parts Split(Date d) {
   const double serial = d.Serial();
   // Far beyond any calendar date (the years 100 to 9999 are about 3.6 million
   // days); the bound keeps the day count and its year inside their integers.
-  if (!(std::fabs(serial) < 1e11)) throw Error(kErrOverflow, "Overflow");
-  double whole = std::trunc(serial);
+  if (!(std::fabs(serial) < 1e11)) ThrowOverflow();
+  // The conversion truncates towards zero, as trunc does, without the call.
+  int64_t day = static_cast<int64_t>(serial);
+  const auto whole = static_cast<double>(day);
   // Most dates read from a database have no time of day: no rounding to do.
-  if (whole == serial) return {static_cast<int64_t>(whole), 0};
+  if (whole == serial) return {day, 0};
   double fraction = std::fabs(serial - whole);
   int64_t seconds = std::llround(fraction * kSecondsPerDay);
-  int64_t day = static_cast<int64_t>(whole);
   if (seconds >= kSecondsPerDay) {  // rounding reached the next midnight
     seconds -= kSecondsPerDay;
     day += serial < 0 ? -1 : 1;
