@@ -11,9 +11,13 @@
 //   system's text as its statement and the text sent in its description.
 //   On MariaDB and MySQL the session takes PIPES_AS_CONCAT and
 //   NO_BACKSLASH_ESCAPES.
-// - Text crosses ODBC as UTF-16 and reaches the library as UTF-8.
+// - Text crosses ODBC as UTF-16 and reaches the library as UTF-8; result
+//   text is fetched 8-bit first and kept so only when it is plain ASCII,
+//   which reads the same in any character set the driver may use.
 // - Rows are fetched with bound column arrays a block at a time (see
-//   internal/OdbcResult.h for the types and values each column gets).
+//   internal/OdbcResult.h for the types and values each column gets); on
+//   MariaDB and MySQL one row at a time, their driver's positioning within
+//   a block being unreliable.
 // - Key columns come from SQLPrimaryKeys, or from SQLSpecialColumns (the
 //   row identifier, real columns only) for a table without a primary key;
 //   they are cached per table for the life of the connection and forgotten

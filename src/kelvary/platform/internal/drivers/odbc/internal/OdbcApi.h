@@ -2,7 +2,9 @@
 // owning handles, the translation of diagnostic records into Error, and the
 // text conversions. Text crosses the API as UTF-16 (the wide functions and
 // SQL_C_WCHAR), because that is the one encoding every driver and driver
-// manager agree on; the rest of the library speaks UTF-8.
+// manager agree on; the rest of the library speaks UTF-8. The one exception
+// is result text that is plain ASCII (IsPlainAscii), taken 8-bit as it is
+// the same in every character set.
 //
 // Only the files of drivers/odbc include this header (it pulls in the ODBC
 // headers). A handle is used by one thread at a time.
