@@ -79,6 +79,34 @@ TEST_P(RecordsetClones, AChangeThroughAnyCloneIsSeenByAll) {
   EXPECT_EQ(StoredRows("SELECT COUNT(*) FROM patients"), "6");
 }
 
+// Two clones editing one row: each Update writes, and CancelUpdate takes
+// back, only the fields that clone set.
+TEST_P(RecordsetClones, EditsOfOneRowInTwoClonesKeepEachOthersFields) {
+  auto rs = Open();
+  auto clone = rs->Clone();
+  Go(*rs, 2);
+  Go(*clone, 2);
+  rs->Fields("LastName").Value("Byrne");
+  clone->Fields("FirstName").Value("Maria");
+  clone->Update();
+  rs->CancelUpdate();
+  for (Recordset* each : {rs.get(), clone.get()}) {
+    EXPECT_EQ(CStr(each->Fields("LastName").Value()), "O'Brien");
+    EXPECT_EQ(CStr(each->Fields("FirstName").Value()), "Maria");
+  }
+  EXPECT_EQ(StoredRows("SELECT LastName, FirstName FROM patients WHERE ID = 2"), "O'Brien|Maria");
+
+  // The other way round: the first clone's Update comes after the second's.
+  Go(*rs, 3);
+  Go(*clone, 3);
+  rs->Fields("LastName").Value("Smithson");
+  clone->Fields("FirstName").Value("Paula");
+  clone->Update();
+  rs->Update();
+  EXPECT_EQ(StoredRows("SELECT LastName, FirstName FROM patients WHERE ID = 3"), "Smithson|Paula");
+  EXPECT_EQ(CStr(clone->Fields("LastName").Value()), "Smithson");
+}
+
 TEST_P(RecordsetClones, EachKeepsItsOwnPositionFilterAndSortAndTheBookmarksOfAll) {
   auto rs = Open();
   rs->Filter("ParentID = 3 OR ParentID = 1");

@@ -908,7 +908,12 @@ void CursorEngine::CancelUpdate() {
     }
     ChangedRows();
   } else if (edit_mode_ == adEditInProgress) {
-    std::copy(originals_.begin(), originals_.end(), OwnedRow(edit_row_));
+    // Only the fields this recordset set go back: a clone may have written
+    // another field of the same row meanwhile, and that value stays.
+    Variant* cells = OwnedRow(edit_row_);
+    for (size_t i = 0; i < width_; ++i) {
+      if (changed_[i]) cells[i] = originals_[i];
+    }
     ChangedRows();
   }
   EndEdit();
