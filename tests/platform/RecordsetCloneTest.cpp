@@ -105,6 +105,18 @@ TEST_P(RecordsetClones, EditsOfOneRowInTwoClonesKeepEachOthersFields) {
   rs->Update();
   EXPECT_EQ(StoredRows("SELECT LastName, FirstName FROM patients WHERE ID = 3"), "Smithson|Paula");
   EXPECT_EQ(CStr(clone->Fields("LastName").Value()), "Smithson");
+
+  // The same field set in both: the second to write finds the first one's
+  // value where it read another, and is refused; the first writes.
+  Go(*rs, 4);
+  Go(*clone, 4);
+  rs->Fields("LastName").Value("Jonas");
+  clone->Fields("LastName").Value("Janes");
+  EXPECT_EQ(ErrorOf([&] { clone->Update(); }).Number(), kErrRowChanged);
+  clone->CancelUpdate();
+  rs->Update();
+  EXPECT_EQ(StoredRows("SELECT LastName FROM patients WHERE ID = 4"), "Jonas");
+  EXPECT_EQ(CStr(clone->Fields("LastName").Value()), "Jonas");
 }
 
 TEST_P(RecordsetClones, EachKeepsItsOwnPositionFilterAndSortAndTheBookmarksOfAll) {
