@@ -342,7 +342,7 @@ class SqliteConnection final : public DriverConnection {
     rows.columns = prepared.columns;
     size_t expected = std::max<size_t>(prepared.last_rows, 16);
     if (max_rows > 0) expected = std::min<size_t>(expected, static_cast<size_t>(max_rows));
-    rows.cells.reserve(expected * static_cast<size_t>(width));
+    rows.cells = internal::CellStorage(expected * static_cast<size_t>(width));
     const std::vector<ValueKind>& kinds = prepared.kinds;
     int64_t count = 0;
     while (rc == SQLITE_ROW) {

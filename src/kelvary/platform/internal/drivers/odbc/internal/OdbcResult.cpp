@@ -614,7 +614,7 @@ std::vector<std::string> ReadResult(SQLHSTMT stmt, const FetchCapabilities& capa
   if (SQL_SUCCEEDED(SQLRowCount(stmt, &expected)) && expected > 0) {
     size_t expected_rows = static_cast<size_t>(expected);
     if (max_rows > 0) expected_rows = std::min(expected_rows, static_cast<size_t>(max_rows));
-    rows.cells.reserve(std::min<size_t>(expected_rows, size_t{1} << 24) * columns);
+    rows.cells = internal::CellStorage(std::min<size_t>(expected_rows, size_t{1} << 24) * columns);
   }
   const size_t limit = max_rows > 0 ? static_cast<size_t>(max_rows) : 0;
   if (capabilities.bound) {
